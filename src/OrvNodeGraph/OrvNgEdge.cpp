@@ -1,0 +1,880 @@
+#include "OrvNodeGraph/OrvNgEdge.h"
+
+#include "OrvNodeGraph/OrvNgDotableMarkerItem.h"
+#include "OrvNodeGraph/OrvNgEdgeEnds.h"
+#include "OrvNodeGraph/OrvNgEdgePens.h"
+#include "OrvNodeGraph/OrvNgEdgeRouter.h"
+#include "OrvNodeGraph/OrvNgLodTextItem.h"
+#include "OrvNodeGraph/OrvNgReport.h"
+#include "OrvNodeGraph/OrvNgStyle.h"
+
+#include <QGraphicsEllipseItem>
+#include <QGraphicsLineItem>
+#include <QGraphicsPathItem>
+#include <QGraphicsPolygonItem>
+#include <QGraphicsScene>
+#include <QGraphicsSceneMouseEvent>
+#include <QPainter>
+#include <QPainterPathStroker>
+#include <QPen>
+
+#include <cmath>
+
+namespace {
+
+constexpr char kFile[] = "src/OrvNodeGraph/OrvNgEdge";
+
+constexpr double kEdgeZ = -1.0; // always below nodes
+constexpr double kShapeCurveThreshold = 5.0;
+constexpr double kMinimumHitWidth = 1.0;
+constexpr double kLabelNearSource = 0.1; // while an end is carried the label stays near the cursor
+constexpr double kLabelNearDest = 0.9;
+constexpr double kLabelCorner = 4.0;
+constexpr double kCrossSize = 6.0;
+constexpr QRectF kGrabCircleRect(-7.0, -7.0, 14.0, 14.0);
+
+bool isFinite(const QPointF& point)
+{
+    return std::isfinite(point.x()) && std::isfinite(point.y());
+}
+
+bool isSystemNode(const OrvNgNode* node)
+{
+    return node && node->isSystemShaderNode();
+}
+
+bool isConcealed(const OrvNgNode* node)
+{
+    return node && (node->isSystemShaderNode() || !node->isVisible());
+}
+
+/// An edge's label: the text on a piece of scene background, so that the edge does not strike it through.
+class EdgeLabel : public OrvNgLodTextItem
+{
+public:
+    EdgeLabel(const QString& text, QGraphicsItem* parent)
+        : OrvNgLodTextItem(text, parent)
+    {
+        setBrush(OrvNgStyle::instance().getEdgeLabelBrush());
+    }
+
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override
+    {
+        if (!isReadable(painter))
+            return;
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(OrvNgStyle::instance().getSceneBackgroundBrush());
+        painter->drawRoundedRect(boundingRect(), kLabelCorner, kLabelCorner);
+        OrvNgLodTextItem::paint(painter, option, widget);
+    }
+};
+
+// The rectangle at which edges that do not end at ports stop.
+QRectF clipRectInScene(OrvNgNode* node)
+{
+    return node->mapRectToScene(node->nodeShapeRect());
+}
+
+} // namespace
+
+bool OrvNgEdge::Ends::operator==(const Ends& other) const
+{
+    // Exact, where QPointF would compare with a tolerance.
+    return m_Source.x() == other.m_Source.x() && m_Source.y() == other.m_Source.y()
+        && m_Dest.x() == other.m_Dest.x() && m_Dest.y() == other.m_Dest.y()
+        && m_SourceIsSidePort == other.m_SourceIsSidePort
+        && m_DestIsSidePort == other.m_DestIsSidePort;
+}
+
+OrvNgEdge::OrvNgEdge(bool nodeIsDestination, OrvNgNode* node, bool flag, const QSet<QString>& tags)
+    : m_Tags(tags)
+{
+    setZValue(kEdgeZ);
+    setFlags(ItemClipsToShape);
+    setAcceptHoverEvents(true);
+    setVisible(false);
+    setFlag(FlagPreferred, flag);
+    m_TextVisible = !OrvNgEdgeEnds::isSidePortNode(node);
+    if (!node)
+        return;
+    if (nodeIsDestination) {
+        m_DestNode = node;
+        m_HomeNode = node;
+        node->registerInputEdge(this);
+    } else {
+        m_SourceNode = node;
+        node->registerOutputEdge(this);
+    }
+}
+
+OrvNgEdge::~OrvNgEdge()
+{
+    OrvNgEdge::aboutToBeDestroyed();
+}
+
+void OrvNgEdge::aboutToBeDestroyed()
+{
+    if (m_IsDying)
+        return;
+    m_IsDying = true;
+    giveUpMouse();
+    leaveNodes();
+}
+
+void OrvNgEdge::destroy()
+{
+    if (m_IsDestroyed || m_IsDying)
+        return;
+    m_IsDestroyed = true;
+    giveUpMouse();
+    leaveNodes();
+    setFlag(FlagDragging, false);
+    setVisible(false);
+    deleteLater();
+}
+
+void OrvNgEdge::giveUpMouse()
+{
+    if (scene() && scene()->mouseGrabberItem() == this)
+        ungrabMouse();
+}
+
+void OrvNgEdge::setSelected(bool selected, bool withChildren)
+{
+    setSelected(selected);
+    OrvSerializableObject::setSelected(selected, withChildren);
+}
+
+// Ends
+
+void OrvNgEdge::setSourceOutputPoint(const QString& outputPoint)
+{
+    if (m_SourceOutputPoint == outputPoint)
+        return;
+    m_SourceOutputPoint = outputPoint;
+    invalidateAdjustment();
+    adjust();
+}
+
+void OrvNgEdge::setSourceNode(OrvNgNode* node, const QString& outputPoint)
+{
+    if (m_IsDestroyed || (m_SourceNode == node && m_SourceOutputPoint == outputPoint))
+        return;
+    const QPointer<OrvNgNode> oldSource(m_SourceNode);
+    const QString oldPoint = m_SourceOutputPoint;
+    if (oldSource != node) {
+        leaveSource();
+        m_SourceNode = node;
+        if (node)
+            node->registerOutputEdge(this);
+    }
+    m_SourceOutputPoint = outputPoint;
+    connectionChanged();
+    refreshSiblings(oldSource, oldPoint);
+    if (oldSource != node)
+        OrvNgEdgeEnds::connectionsChanged(oldSource);
+}
+
+void OrvNgEdge::setDestNode(OrvNgNode* node)
+{
+    if (m_IsDestroyed || (m_DestNode == node && m_HomeNode == node))
+        return;
+    const QPointer<OrvNgNode> oldDest(m_DestNode);
+    leaveHome();
+    m_DestNode = node;
+    m_HomeNode = node;
+    if (node)
+        node->registerInputEdge(this);
+    connectionChanged();
+    OrvNgEdgeEnds::connectionsChanged(oldDest);
+}
+
+bool OrvNgEdge::isFullConnected() const
+{
+    return m_SourceNode && m_DestNode;
+}
+
+void OrvNgEdge::detachFromSourceNode()
+{
+    if (!m_DestNode || !m_SourceNode)
+        return;
+    setSourceNode(nullptr, QString());
+    m_DestNode->notifyInputSourceChange(nullptr, QString(), m_Text);
+}
+
+void OrvNgEdge::detachFromDestNode()
+{
+    m_DestNode.clear();
+    invalidateAdjustment();
+}
+
+void OrvNgEdge::nodeGone(OrvNgNode* node)
+{
+    if (m_HomeNode == node || (!m_HomeNode && m_DestNode == node)) {
+        destroy();
+        return;
+    }
+    if (m_SourceNode != node)
+        return;
+    if (isUnconnectedStub())
+        destroy();
+    else
+        setSourceNode(nullptr, QString());
+}
+
+void OrvNgEdge::leaveSource()
+{
+    if (m_SourceNode)
+        m_SourceNode->m_Outputs.removeOne(this);
+    m_SourceNode.clear();
+}
+
+void OrvNgEdge::leaveHome()
+{
+    if (m_HomeNode)
+        m_HomeNode->m_Inputs.removeOne(this);
+    m_HomeNode.clear();
+}
+
+void OrvNgEdge::leaveNodes()
+{
+    const QPointer<OrvNgNode> source(m_SourceNode);
+    const QPointer<OrvNgNode> home(m_HomeNode);
+    leaveSource();
+    leaveHome();
+    m_DestNode.clear();
+    refreshSiblings(source, m_SourceOutputPoint);
+    OrvNgEdgeEnds::connectionsChanged(source);
+    OrvNgEdgeEnds::connectionsChanged(home);
+}
+
+void OrvNgEdge::connectionChanged()
+{
+    invalidateAdjustment();
+    adjust();
+    setEdgeColor();
+    refreshSiblings(m_SourceNode, m_SourceOutputPoint);
+    OrvNgEdgeEnds::connectionsChanged(m_SourceNode);
+    OrvNgEdgeEnds::connectionsChanged(m_DestNode);
+}
+
+// Other edges show or hide with this one: the unconnected tail of the same output, and the edges that lie
+// on the same line because their nodes merge several points into one place.
+void OrvNgEdge::refreshSiblings(OrvNgNode* source, const QString& outputPoint)
+{
+    if (!source)
+        return;
+    const QList<OrvNgEdge*> edges = source->m_Outputs;
+    for (OrvNgEdge* edge : edges) {
+        if (edge == this)
+            continue;
+        const bool isTail = edge->isUnconnectedStub() && edge->m_SourceOutputPoint == outputPoint;
+        const bool liesBeside = edge->m_DestNode && edge->m_DestNode == m_HomeNode
+            && !OrvNgEdgeEnds::sharedInputPlace(m_HomeNode, edge->m_Text).isEmpty();
+        if (isTail || liesBeside)
+            edge->setVisibilityForItems();
+    }
+}
+
+// Text, tags, states
+
+void OrvNgEdge::setText(const QString& text, const QString& prettyText)
+{
+    if (m_Text != text)
+        invalidateAdjustment();
+    m_Text = text;
+    m_PrettyText = prettyText;
+    if (m_Label)
+        m_Label->setText(prettyText);
+    adjust();
+    updateLabel();
+}
+
+void OrvNgEdge::setTextVisible(bool visible)
+{
+    m_TextVisible = visible;
+    updateLabel();
+}
+
+void OrvNgEdge::setTags(const QSet<QString>& tags)
+{
+    if (m_Tags == tags)
+        return;
+    m_Tags = tags;
+    if (m_Pens)
+        setupPen(m_Shared);
+    invalidateAdjustment();
+    adjust();
+    setEdgeColor();
+    refreshSiblings(m_SourceNode, m_SourceOutputPoint);
+    OrvNgEdgeEnds::tagsChanged(m_HomeNode);
+    OrvNgEdgeEnds::tagsChanged(m_SourceNode);
+}
+
+bool OrvNgEdge::isReconnectable() const
+{
+    return !hasTag(QStringLiteral("_locked"));
+}
+
+bool OrvNgEdge::isClustered() const
+{
+    return OrvNgEdgeEnds::isClusteredInput(m_DestNode, m_Text)
+        && OrvNgEdgeEnds::isClusteredOutput(m_SourceNode, m_SourceOutputPoint);
+}
+
+bool OrvNgEdge::isConnectedToInputPort() const
+{
+    return OrvNgEdgeEnds::showsInputPort(m_DestNode, m_Text);
+}
+
+bool OrvNgEdge::isConnectedToOutputPort() const
+{
+    return OrvNgEdgeEnds::showsOutputPort(m_SourceNode, m_SourceOutputPoint);
+}
+
+void OrvNgEdge::setFlag(Flag flag, bool on)
+{
+    m_Flags = on ? (m_Flags | flag) : (m_Flags & ~quint32(flag));
+}
+
+void OrvNgEdge::changeState(Flag flag, bool on)
+{
+    setFlag(flag, on);
+    setEdgeColor();
+}
+
+void OrvNgEdge::setActivated(bool activated)
+{
+    changeState(FlagActivated, activated);
+}
+
+void OrvNgEdge::setBypassed(bool bypassed)
+{
+    changeState(FlagBypassed, bypassed);
+    updateRareItems();
+}
+
+void OrvNgEdge::setSevered(bool severed)
+{
+    changeState(FlagSevered, severed);
+}
+
+void OrvNgEdge::setDebug(bool debug)
+{
+    changeState(FlagDebug, debug);
+}
+
+void OrvNgEdge::setDebugColor(const QColor& color)
+{
+    m_DebugColor = color;
+    if (m_Pens)
+        m_Pens->setDebugColor(color);
+    setEdgeColor();
+}
+
+void OrvNgEdge::markAsShared(bool shared)
+{
+    setupPen(shared);
+    setEdgeColor();
+    update();
+}
+
+// Look
+
+void OrvNgEdge::setupPen(bool shared)
+{
+    m_Shared = shared;
+    if (!m_Pens)
+        m_Pens = std::make_unique<OrvNgEdgePens>();
+    m_Pens->setup(hasFlag(FlagPreferred), shared, m_DebugColor, m_Tags);
+}
+
+OrvNgEdgePens& OrvNgEdge::pens()
+{
+    if (!m_Pens)
+        setupPen(m_Shared);
+    if (!m_Pens)
+        m_Pens = std::make_unique<OrvNgEdgePens>(); // a subclass made pens of its own
+    return *m_Pens;
+}
+
+const QPen& OrvNgEdge::penForState()
+{
+    OrvNgEdgePens::State state;
+    state.m_Debug = hasFlag(FlagDebug) && m_DebugColor.isValid();
+    state.m_Severed = hasFlag(FlagSevered);
+    state.m_Bypassed = hasFlag(FlagBypassed);
+    state.m_Activated = hasFlag(FlagActivated);
+    state.m_Clustered = isClustered();
+    return pens().forState(state);
+}
+
+void OrvNgEdge::setEdgeColor()
+{
+    if (!m_HasChildren)
+        return; // the pen is applied when they are made
+    if (!m_Line) {
+        orvNgReport(kFile, __LINE__, QStringLiteral("m_line is NULL"));
+        return;
+    }
+    if (!m_Arrow) {
+        orvNgReport(kFile, __LINE__, QStringLiteral("m_arrow is NULL"));
+        return;
+    }
+    applyPen(penForState());
+}
+
+void OrvNgEdge::applyPen(const QPen& pen)
+{
+    if (pen.widthF() != m_Line->pen().widthF())
+        markShapeDirty();
+    m_Line->setPen(pen);
+    m_Arrow->setBrush(pen.brush());
+}
+
+void OrvNgEdge::hightlightForNodeInsert()
+{
+    if (!mainEdge())
+        return;
+    const OrvNgStyle& style = OrvNgStyle::instance();
+    applyPen(style.getHighlightForNodeInsertPen());
+    m_Arrow->setBrush(style.getHighlightForNodeInsertEdgeBrush());
+}
+
+void OrvNgEdge::unHightlightForNodeInsert()
+{
+    setEdgeColor();
+}
+
+void OrvNgEdge::switchToDotableMode(bool on)
+{
+    if (isSystemNode(m_SourceNode) || isSystemNode(m_DestNode))
+        return;
+    m_DotableMode = on;
+    updateLabel();
+    updateRareItems();
+    if (m_Marker)
+        m_Marker->setRootNode(m_SourceNode);
+}
+
+// Visibility
+
+void OrvNgEdge::setVisibilityForItems()
+{
+    const bool shown = isShownAtAll();
+    if (shown && !m_HasChildren)
+        initialiseGraphicsItem();
+    if (shown != isVisible())
+        setVisible(shown);
+    updateLabel();
+    updateRareItems();
+}
+
+bool OrvNgEdge::isShownAtAll() const
+{
+    if (m_IsDestroyed || m_IsDying)
+        return false;
+    if (isDragging())
+        return true;
+    return !isConcealed(m_SourceNode) && !isConcealed(m_DestNode) && !isHiddenByTags()
+        && !isHiddenAsUnattached() && !isRepresentedByAnother();
+}
+
+bool OrvNgEdge::isHiddenByTags() const
+{
+    if (m_Tags.isEmpty())
+        return false;
+    if (hasTag(QStringLiteral("_showIfConnected")))
+        return !isFullConnected();
+    return hasTag(QStringLiteral("_hidden"));
+}
+
+// A node with ports at its sides shows its free ports themselves; elsewhere a free end is drawn as a tail
+// where the host gave the point an approach.
+bool OrvNgEdge::isHiddenAsUnattached() const
+{
+    if (isFullConnected())
+        return false;
+    OrvNgNode* end = m_SourceNode ? m_SourceNode : m_DestNode;
+    if (!end || OrvNgEdgeEnds::isSidePortNode(end) || m_Ends.m_Source == m_Ends.m_Dest)
+        return true;
+    if (!isUnconnectedStub())
+        return false;
+    for (const OrvNgEdge* edge : qAsConst(end->m_Outputs)) {
+        if (edge->m_DestNode && edge->m_SourceOutputPoint == m_SourceOutputPoint)
+            return true;
+    }
+    return false;
+}
+
+// Of the edges that lie on top of each other the first in the destination's order is drawn.
+bool OrvNgEdge::isRepresentedByAnother() const
+{
+    const QString destPlace = OrvNgEdgeEnds::sharedInputPlace(m_DestNode, m_Text);
+    if (destPlace.isEmpty() || !m_SourceNode)
+        return false;
+    const QString sourcePlace = OrvNgEdgeEnds::sharedOutputPlace(m_SourceNode, m_SourceOutputPoint);
+    if (sourcePlace.isEmpty())
+        return false;
+    for (const OrvNgEdge* edge : qAsConst(m_DestNode->m_Inputs)) {
+        if (edge == this)
+            return false;
+        if (edge->m_SourceNode == m_SourceNode && !edge->isHiddenByTags()
+            && OrvNgEdgeEnds::sharedInputPlace(m_DestNode, edge->m_Text) == destPlace
+            && OrvNgEdgeEnds::sharedOutputPlace(m_SourceNode, edge->m_SourceOutputPoint)
+                == sourcePlace)
+            return true;
+    }
+    return false;
+}
+
+void OrvNgEdge::updateLabel()
+{
+    const bool shown = m_TextVisible && !m_DotableMode && m_HasChildren && isVisible()
+        && !m_PrettyText.isEmpty();
+    if (shown && !m_Label) {
+        m_Label = new EdgeLabel(m_PrettyText, this);
+        positionText(m_LabelFraction);
+    }
+    if (m_Label)
+        m_Label->setVisible(shown);
+}
+
+void OrvNgEdge::updateRareItems()
+{
+    const bool crossed
+        = hasFlag(FlagBypassed) && isFullConnected() && !isDragging() && m_HasChildren;
+    if (crossed && !m_CrossLines[0])
+        makeCrossLines();
+    for (QGraphicsLineItem* line : m_CrossLines) {
+        if (line)
+            line->setVisible(crossed);
+    }
+
+    const bool marked = m_DotableMode && !isDragging();
+    if (marked && !m_Marker)
+        m_Marker = new OrvNgDotableMarkerItem(this);
+    if (m_Marker)
+        m_Marker->setVisible(marked);
+
+    const bool circled = looseEnd() == LooseEnd::Source;
+    if (circled && !m_GrabCircle)
+        makeGrabCircle();
+    if (m_GrabCircle)
+        m_GrabCircle->setVisible(circled);
+    placeMidpointItems();
+}
+
+void OrvNgEdge::makeCrossLines()
+{
+    const OrvNgStyle& style = OrvNgStyle::instance();
+    const QPen pen(style.getCrossedOutBypassedEdgeBrush(), qMax(1, style.getBypassedEdgePenWidth()),
+        Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
+    const QLineF falling(-kCrossSize, -kCrossSize, kCrossSize, kCrossSize);
+    const QLineF rising(-kCrossSize, kCrossSize, kCrossSize, -kCrossSize);
+    m_CrossLines[0] = new QGraphicsLineItem(falling, this);
+    m_CrossLines[1] = new QGraphicsLineItem(rising, this);
+    for (QGraphicsLineItem* line : m_CrossLines)
+        line->setPen(pen);
+}
+
+void OrvNgEdge::makeGrabCircle()
+{
+    const OrvNgStyle& style = OrvNgStyle::instance();
+    m_GrabCircle = new QGraphicsEllipseItem(kGrabCircleRect, this);
+    m_GrabCircle->setBrush(style.getSelectableEdgeBrush());
+    m_GrabCircle->setPen(QPen(style.getEdgeColor(), 1.0));
+}
+
+// Geometry
+
+void OrvNgEdge::initialiseGraphicsItem()
+{
+    if (m_HasChildren)
+        return;
+    m_HasChildren = true;
+    m_Line = new QGraphicsPathItem(this);
+    m_Arrow = new QGraphicsPolygonItem(
+        QPolygonF({{-kArrowLength, kArrowLength / 2}, {-kArrowLength, -kArrowLength / 2}, {0, 0}}),
+        this);
+    m_Arrow->setPen(Qt::NoPen);
+    applyPen(penForState());
+    if (m_RoutePending)
+        route();
+}
+
+QGraphicsPathItem* OrvNgEdge::mainEdge()
+{
+    if (!m_HasChildren) {
+        initialiseGraphicsItem();
+        adjust();
+    }
+    return m_Line;
+}
+
+OrvNgEdge::LooseEnd OrvNgEdge::looseEnd() const
+{
+    if (!isDragging())
+        return LooseEnd::None;
+    if (!m_DestNode)
+        return LooseEnd::Dest;
+    if (!m_SourceNode)
+        return LooseEnd::Source;
+    return m_Grabbed ? LooseEnd::Dest : LooseEnd::Source;
+}
+
+void OrvNgEdge::adjust()
+{
+    if (m_IsDestroyed || m_IsDying)
+        return;
+    // A free input shows its port instead: nothing is computed before somebody asks for the edge.
+    if (!m_HasChildren && !m_SourceNode && !isDragging()
+        && OrvNgEdgeEnds::isSidePortNode(m_DestNode)) {
+        setVisible(false);
+        return;
+    }
+
+    const LooseEnd loose = looseEnd();
+    QPointF source = loose == LooseEnd::Source ? m_LoosePoint : m_Ends.m_Source;
+    QPointF dest = loose == LooseEnd::Dest ? m_LoosePoint : m_Ends.m_Dest;
+    if (m_SourceNode && loose != LooseEnd::Source)
+        source = m_SourceNode->outputPortSourcePos(m_SourceOutputPoint);
+    if (m_DestNode && loose != LooseEnd::Dest)
+        dest = m_DestNode->inputPortDestPos(m_Text);
+    if (!m_SourceNode && m_DestNode && loose == LooseEnd::None)
+        source = m_DestNode->inputPortSourcePos(m_Text);
+    if (!m_DestNode && m_SourceNode && loose == LooseEnd::None)
+        dest = m_SourceNode->outputPortDestPos(m_SourceOutputPoint);
+    adjust(source, dest, labelFraction());
+}
+
+float OrvNgEdge::labelFraction() const
+{
+    switch (looseEnd()) {
+    case LooseEnd::Source:
+        return float(kLabelNearSource);
+    case LooseEnd::Dest:
+        return float(kLabelNearDest);
+    case LooseEnd::None:
+        break;
+    }
+    if (m_DestNode && m_DestNode->inputTable().m_TextPositions.contains(m_Text))
+        return m_DestNode->inputTable().textPosition(m_Text);
+    if (m_SourceNode)
+        return m_SourceNode->outputTable().textPosition(m_SourceOutputPoint);
+    return 0.5F;
+}
+
+void OrvNgEdge::adjust(QPointF source, QPointF dest, float labelFraction)
+{
+    if (!isFinite(source) || !isFinite(dest) || !std::isfinite(labelFraction))
+        return;
+    const LooseEnd loose = looseEnd();
+    Ends ends;
+    ends.m_Source = source;
+    ends.m_Dest = dest;
+    ends.m_SourceIsSidePort
+        = loose != LooseEnd::Source && OrvNgEdgeEnds::isSidePortNode(m_SourceNode);
+    ends.m_DestIsSidePort = loose != LooseEnd::Dest && OrvNgEdgeEnds::isSidePortNode(m_DestNode);
+
+    if (m_HasAdjusted && ends == m_Ends) {
+        if (m_LabelFraction == double(labelFraction))
+            return;
+        m_LabelFraction = double(labelFraction);
+        positionText(m_LabelFraction);
+        finalizeAdjustment();
+        return;
+    }
+    m_HasAdjusted = true;
+    m_Ends = ends;
+    m_LabelFraction = double(labelFraction);
+    m_RoutePending = true;
+    if (m_HasChildren)
+        route();
+    finalizeAdjustment();
+}
+
+void OrvNgEdge::route()
+{
+    m_RoutePending = false;
+    markShapeDirty();
+    if (m_Ends.m_Source == m_Ends.m_Dest) {
+        m_StraightLine = QLineF(m_Ends.m_Source, m_Ends.m_Dest);
+        placeChildren(OrvNgEdgeRouter::degenerate(m_Ends.m_Source));
+        return;
+    }
+    const Ends ends = clippedEnds();
+    m_StraightLine = QLineF(ends.m_Source, ends.m_Dest);
+    placeChildren(routeBetween(ends));
+}
+
+OrvNgEdge::Ends OrvNgEdge::clippedEnds() const
+{
+    Ends ends = m_Ends;
+    const QLineF line(m_Ends.m_Source, m_Ends.m_Dest);
+    if (!ends.m_DestIsSidePort && m_DestNode && !m_Grabbed)
+        OrvNgEdgeRouter::findIntersectionPoint(line, clipRectInScene(m_DestNode), ends.m_Dest);
+    const bool bothTopToBottom = !ends.m_SourceIsSidePort && !ends.m_DestIsSidePort;
+    if (bothTopToBottom && m_SourceNode && looseEnd() != LooseEnd::Source)
+        OrvNgEdgeRouter::findIntersectionPoint(
+            QLineF(line.p2(), line.p1()), clipRectInScene(m_SourceNode), ends.m_Source);
+
+    // Overlapping nodes: clipping would turn the edge around.
+    const QPointF along = line.p2() - line.p1();
+    if (QPointF::dotProduct(ends.m_Dest - ends.m_Source, along) <= 0.0) {
+        ends.m_Source = line.p1();
+        ends.m_Dest = line.p2();
+    }
+    return ends;
+}
+
+OrvNgEdgeRoute OrvNgEdge::routeBetween(const Ends& ends) const
+{
+    if (ends.m_SourceIsSidePort && ends.m_DestIsSidePort)
+        return OrvNgEdgeRouter::sideToSide(ends.m_Source, ends.m_Dest);
+    if (ends.m_SourceIsSidePort)
+        return OrvNgEdgeRouter::sideToTop(ends.m_Source, ends.m_Dest);
+    if (ends.m_DestIsSidePort)
+        return OrvNgEdgeRouter::topToSide(ends.m_Source, ends.m_Dest);
+    return OrvNgEdgeRouter::straight(ends.m_Source, ends.m_Dest);
+}
+
+void OrvNgEdge::placeChildren(const OrvNgEdgeRoute& route)
+{
+    m_Line->setPath(route.m_Path);
+    m_Arrow->setPos(route.m_ArrowTip);
+    // Angles count counter-clockwise, item rotations clockwise.
+    m_Arrow->setRotation(-route.m_ArrowAngle);
+    positionText(m_LabelFraction);
+    placeMidpointItems();
+}
+
+void OrvNgEdge::placeMidpointItems()
+{
+    const bool isPoint = m_StraightLine.p1() == m_StraightLine.p2();
+    const QPointF midpoint = isPoint ? m_StraightLine.p1() : m_StraightLine.pointAt(0.5);
+    const double rotation = isPoint ? 0.0 : -m_StraightLine.angle();
+    QGraphicsItem* const items[] = {m_Marker, m_CrossLines[0], m_CrossLines[1]};
+    for (QGraphicsItem* item : items) {
+        if (!item)
+            continue;
+        item->setPos(midpoint);
+        item->setRotation(rotation);
+    }
+    if (m_GrabCircle)
+        m_GrabCircle->setPos(m_StraightLine.p1());
+}
+
+void OrvNgEdge::positionText(double fraction)
+{
+    if (m_Label)
+        m_Label->setPos(m_StraightLine.pointAt(fraction) - m_Label->boundingRect().center());
+}
+
+void OrvNgEdge::finalizeAdjustment()
+{
+    if (!isFullConnected() || isDragging())
+        switchToDotableMode(false);
+    setVisibilityForItems();
+    update();
+}
+
+// The scene has indexed the bounds of the last shape; they are announced before the next is computed.
+void OrvNgEdge::markShapeDirty()
+{
+    m_BoundsHeld = true;
+    prepareGeometryChange();
+    m_BoundsHeld = false;
+    m_ShapeDirty = true;
+}
+
+void OrvNgEdge::updateShape() const
+{
+    m_ShapeDirty = false;
+    QPainterPathStroker stroker;
+    stroker.setCurveThreshold(kShapeCurveThreshold);
+    stroker.setWidth(qMax(kMinimumHitWidth, m_Line->pen().widthF()));
+    m_Shape = stroker.createStroke(m_Line->path());
+    m_Shape.addPath(m_Arrow->mapToParent(m_Arrow->shape()));
+    m_ShapeBounds = m_Shape.boundingRect();
+}
+
+QPainterPath OrvNgEdge::shape() const
+{
+    if (m_ShapeDirty)
+        updateShape();
+    return m_Shape;
+}
+
+QRectF OrvNgEdge::boundingRect() const
+{
+    if (m_ShapeDirty && !m_BoundsHeld)
+        updateShape();
+    return m_ShapeBounds;
+}
+
+void OrvNgEdge::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*)
+{
+}
+
+// Dragging an end
+
+void OrvNgEdge::grabEdge(const QPointF& pos, bool fromPort, bool isOutput)
+{
+    if (m_IsDestroyed)
+        return;
+    setFlag(FlagDragging, true);
+    m_Grabbed = isOutput;
+    m_GrabbedFromPort = fromPort;
+    m_LoosePoint = mapToScene(pos);
+    invalidateAdjustment();
+    adjust();
+}
+
+void OrvNgEdge::releaseMouse(const QPoint&, const QPointF&, bool)
+{
+    setEdgeColor();
+    setFlag(FlagDragging, false);
+    if (!m_DestNode)
+        m_DestNode = m_HomeNode;
+    m_Grabbed = false;
+    m_GrabbedFromPort = false;
+    invalidateAdjustment();
+    if (m_SourceNode && m_SourceNode->temporaryOutputEdge() == this) {
+        m_SourceNode->removeTemporaryOutputEdge();
+        return;
+    }
+    adjust();
+}
+
+void OrvNgEdge::mousePressEvent(QGraphicsSceneMouseEvent* event)
+{
+    if (isDragging() && m_GrabbedFromPort) {
+        releaseMouse(event->screenPos(), event->scenePos(), event->button() != Qt::LeftButton);
+        giveUpMouse();
+        return;
+    }
+    QGraphicsItem::mousePressEvent(event);
+}
+
+void OrvNgEdge::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
+{
+    if (!isDragging()) {
+        QGraphicsItem::mouseMoveEvent(event);
+        return;
+    }
+    m_LoosePoint = event->scenePos();
+    adjust();
+}
+
+void OrvNgEdge::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
+{
+    if (isDragging() && m_GrabbedFromPort)
+        return; // the end stays on the cursor until the next press
+    if (isDragging() && event->button() == Qt::LeftButton) {
+        releaseMouse(event->screenPos(), event->scenePos(), false);
+        giveUpMouse();
+        return;
+    }
+    QGraphicsItem::mouseReleaseEvent(event);
+}

@@ -1,0 +1,263 @@
+#pragma once
+
+#include "OrvNodeGraph/OrvNgNode.h"
+
+#include <QLineF>
+#include <QPainterPath>
+#include <QPen>
+
+#include <memory>
+
+class OrvNgDotableMarkerItem;
+class OrvNgEdgePens;
+class OrvNgLodTextItem;
+class QGraphicsEllipseItem;
+class QGraphicsLineItem;
+class QGraphicsPathItem;
+class QGraphicsPolygonItem;
+struct OrvNgEdgeRoute;
+
+/// One connection from an output point of a source node to an input of a destination node, and at the same
+/// time the input itself: every input of a node is one edge object for the node's whole life, free while it
+/// has no source. An edge also stands for an unconnected output (no destination), the edge being pulled
+/// out of an output, and the virtual edge of a node.
+///
+/// The edge paints nothing itself: path, arrow, label and the rarer parts are child items, made when the
+/// edge is first shown, the rarer ones when first needed. Before that boundingRect() and shape() are empty;
+/// mainEdge() makes path and arrow at once. All points are scene coordinates; the edge itself stays at
+/// (0, 0).
+///
+/// Tags, given at construction or with setTags():
+///   "_hidden"           not shown, unless "_showIfConnected" is there too
+///   "_showIfConnected"  shown only while both ends are attached
+///   "_locked"           cannot be picked up or reconnected by the user
+///   "_dotted", "_thin"  how the pens draw
+///
+/// Who hears of a change: operations of the user notify the destination node
+/// (OrvNgNode::notifyInputSourceChange); the setters that hosts call are silent.
+///
+/// Called by  the nodes at its ends (adjust), the host (setSourceNode), OrvNgView (hover, cutting).
+/// Uses       OrvNgEdgeRouter for its path, OrvNgEdgePens for its pens, OrvNgEdgeEnds for its end nodes.
+/// Tells      the nodes at its ends, which tell the host.
+class ORVNODEGRAPH_EXPORT OrvNgEdge : public OrvSerializableObject, public QGraphicsItem
+{
+    Q_OBJECT
+    Q_INTERFACES(QGraphicsItem)
+
+public:
+    static constexpr double kArrowLength = 15.0;
+    static constexpr double kArrowSafeLength
+        = 11.25; ///< how far before the tip a straight line ends
+
+    /// Attaches the edge to node, as its destination or as its source, and enters it into that node's list.
+    /// flag marks the preferred (main) input. The caller adds the edge to the scene.
+    OrvNgEdge(bool nodeIsDestination, OrvNgNode* node, bool flag, const QSet<QString>& tags);
+    ~OrvNgEdge() override;
+
+    using QGraphicsItem::isSelected;
+    using QGraphicsItem::setSelected;
+    /// The object's selection is the item's.
+    void setSelected(bool selected, bool withChildren) override;
+
+    // Ends
+
+    /// Null for a free input, or while the source end is loose.
+    OrvNgNode* sourceNode() const { return m_SourceNode; }
+    /// Null for an unconnected output, or while the destination end is carried.
+    OrvNgNode* destNode() const { return m_DestNode; }
+    const QString& sourceOutputPoint() const { return m_SourceOutputPoint; }
+    /// Stores the output point and re-adjusts.
+    void setSourceOutputPoint(const QString& outputPoint);
+    /// Connects, reconnects or (null) frees the source end. Silent; a call with the present values does nothing.
+    void setSourceNode(OrvNgNode* node, const QString& outputPoint);
+    /// Gives the edge another destination, whose input it becomes. Silent.
+    void setDestNode(OrvNgNode* node);
+    bool isFullConnected() const;
+
+    /// Frees the source end of an edge that has a destination, which is notified.
+    void detachFromSourceNode();
+    /// Lets the destination end hang loose. The node keeps the edge among its inputs and gets it back at the
+    /// end of the drag, so nobody is notified yet.
+    void detachFromDestNode();
+
+    /// Leaves both nodes, hides, and deletes the edge later, from the event loop. Silent; a second call does
+    /// nothing.
+    virtual void destroy();
+
+    // Text, tags, states
+
+    /// The text is the input's name (an output's for an unconnected edge); the pretty text is the label.
+    virtual void setText(const QString& text, const QString& prettyText);
+    QString text() const { return m_Text; }
+    QString prettyText() const { return m_PrettyText; }
+    void setTextVisible(bool visible);
+    bool isTextVisible() const { return m_TextVisible; }
+
+    bool hasTag(const QString& tag) const { return m_Tags.contains(tag); }
+    void setTags(const QSet<QString>& tags);
+    /// False exactly for an edge with the tag "_locked".
+    bool isReconnectable() const;
+    /// Both ends attach to clustered ports of nodes in the grouped mode.
+    bool isClustered() const;
+    bool isConnectedToInputPort() const;
+    bool isConnectedToOutputPort() const;
+
+    void setActivated(bool activated);
+    bool isActivated() const { return hasFlag(FlagActivated); }
+    void setBypassed(bool bypassed);
+    void setSevered(bool severed);
+    void setDebug(bool debug);
+    void setDebugColor(const QColor& color);
+    void markAsShared(bool shared);
+
+    // Look
+
+    /// Copies the pens from the style again.
+    virtual void setupPen(bool shared);
+    /// Applies the pen of the present state to path and arrow.
+    void setEdgeColor();
+    void hightlightForNodeInsert();
+    void unHightlightForNodeInsert();
+    /// Shows and hides edge and children by tags, state and what the end nodes show.
+    void setVisibilityForItems();
+    /// Shows the marker at which a dot can be inserted in place of the label. Without effect on the edges of
+    /// system shader nodes.
+    void switchToDotableMode(bool on);
+
+    // Geometry
+
+    /// Follows the end nodes. A missing end lies at the other node's approach point; a loose end stays
+    /// where the cursor left it.
+    virtual void adjust();
+    /// Recomputes the geometry for two end points; labelFraction (0 source, 1 destination) places the label.
+    void adjust(QPointF source, QPointF dest, float labelFraction);
+    /// The item that draws the path, made now if the edge has not been shown yet.
+    QGraphicsPathItem* mainEdge();
+
+    // Dragging an end
+
+    /// Starts to carry an end: with isOutput the destination end, else the source end; fromPort says that
+    /// the drag was pulled out of a port and goes on until the next press. pos is in edge coordinates.
+    void grabEdge(const QPointF& pos, bool fromPort, bool isOutput);
+    /// Ends the drag: the edge goes home.
+    void releaseMouse(const QPoint& globalPos, const QPointF& scenePos, bool cancelled);
+    bool isGrabbed() const { return m_Grabbed; }
+    bool isGrabbedFromPort() const { return m_GrabbedFromPort; }
+    /// An end is on the cursor, whichever it is.
+    bool isDragging() const { return hasFlag(FlagDragging); }
+
+    // QGraphicsItem
+
+    QPainterPath shape() const override;
+    QRectF boundingRect() const override;
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
+
+    /// Makes path and arrow.
+    void initialiseGraphicsItem();
+    void finalizeAdjustment();
+    /// Centres the label on the straight line between the ends, at a fraction of its length.
+    void positionText(double fraction);
+    /// First statement of every concrete class's destructor.
+    void aboutToBeDestroyed();
+
+private:
+    friend class OrvNgNode;
+
+    enum Flag : quint32 {
+        FlagDragging = 1U << 0,
+        FlagBypassed = 1U << 1,
+        FlagActivated = 1U << 2,
+        FlagPreferred = 1U << 3,
+        FlagDebug = 1U << 4,
+        FlagSevered = 1U << 5
+    };
+    enum class LooseEnd { None, Source, Dest };
+    struct Ends
+    {
+        QPointF m_Source;
+        QPointF m_Dest;
+        bool m_SourceIsSidePort = false;
+        bool m_DestIsSidePort = false;
+        bool operator==(const Ends& other) const;
+    };
+
+    bool hasFlag(Flag flag) const { return (m_Flags & flag) != 0; }
+    void setFlag(Flag flag, bool on);
+    void changeState(Flag flag, bool on);
+    LooseEnd looseEnd() const;
+    bool isUnconnectedStub() const { return !m_DestNode && !m_HomeNode; }
+
+    void nodeGone(OrvNgNode* node);
+    void giveUpMouse();
+    void leaveSource();
+    void leaveHome();
+    void leaveNodes();
+    void connectionChanged();
+    void refreshSiblings(OrvNgNode* source, const QString& outputPoint);
+
+    void invalidateAdjustment() { m_HasAdjusted = false; }
+    float labelFraction() const;
+    void route();
+    Ends clippedEnds() const;
+    OrvNgEdgeRoute routeBetween(const Ends& ends) const;
+    void placeChildren(const OrvNgEdgeRoute& route);
+    void placeMidpointItems();
+    void markShapeDirty();
+    void updateShape() const;
+
+    bool isShownAtAll() const;
+    bool isHiddenByTags() const;
+    bool isHiddenAsUnattached() const;
+    bool isRepresentedByAnother() const;
+    void updateLabel();
+    void updateRareItems();
+    void makeCrossLines();
+    void makeGrabCircle();
+    void applyPen(const QPen& pen);
+    OrvNgEdgePens& pens();
+    const QPen& penForState();
+
+    QPointer<OrvNgNode> m_SourceNode;
+    QPointer<OrvNgNode> m_DestNode;
+    QPointer<OrvNgNode>
+        m_HomeNode; ///< the node that lists this edge as its input, also while the end is loose
+    quint32 m_Flags = 0;
+    QSet<QString> m_Tags;
+    bool m_Grabbed = false;
+    bool m_GrabbedFromPort = false;
+    bool m_Shared = false;
+    bool m_TextVisible = false;
+    bool m_DotableMode = false;
+    bool m_HasChildren = false; ///< path and arrow have been made
+    bool m_HasAdjusted = false; ///< m_Ends and m_LabelFraction are those of the last adjustment
+    bool m_RoutePending = false; ///< the children do not show m_Ends yet
+    bool m_BoundsHeld = false; ///< the stored bounds are asked for, whether or not they still hold
+    bool m_IsDestroyed = false;
+    bool m_IsDying = false;
+    QString m_SourceOutputPoint;
+    QString m_Text;
+    QString m_PrettyText;
+
+    // Children, null until needed
+    QGraphicsPathItem* m_Line = nullptr;
+    QGraphicsPolygonItem* m_Arrow = nullptr;
+    OrvNgLodTextItem* m_Label = nullptr;
+    QGraphicsLineItem* m_CrossLines[2] = {nullptr, nullptr};
+    OrvNgDotableMarkerItem* m_Marker = nullptr;
+    QGraphicsEllipseItem* m_GrabCircle = nullptr;
+
+    std::unique_ptr<OrvNgEdgePens> m_Pens; ///< null until first needed
+    QColor m_DebugColor;
+    Ends m_Ends; ///< as given to the last adjustment, before clipping
+    QPointF m_LoosePoint; ///< the cursor, while an end is carried
+    double m_LabelFraction = 0.5;
+    QLineF m_StraightLine; ///< from the clipped source end to the clipped destination end
+    mutable QPainterPath m_Shape;
+    mutable QRectF m_ShapeBounds;
+    mutable bool m_ShapeDirty = false;
+};

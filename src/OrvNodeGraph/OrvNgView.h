@@ -1,0 +1,169 @@
+#pragma once
+
+#include "OrvNodeGraph/OrvNodeGraphExport.h"
+
+#include <QCursor>
+#include <QGraphicsView>
+#include <QTimer>
+
+#include <memory>
+
+class OrvNgGrid;
+class OrvNgNode;
+
+/// The widget in which the user looks at the graph and edits it. The host sets its own scene, then
+/// calls init().
+///
+/// The scene rectangle always holds the visible area and the bounds of all visible nodes, with a
+/// margin as large as itself on every side, so that the user never pans or zooms against a wall.
+///
+/// Navigation: the wheel and a zoom drag zoom, a pan moves by hand; the scheme, "Quill" or
+/// "Harbor", says which button and modifiers start them. A zoom that would leave the view without a
+/// usable transform is not made, and points and rectangles that are not finite are ignored.
+///
+/// Called by  the host (actions, fit, centre), OrvNgNode (changes, length of a pixel).
+/// Uses       OrvNgNavigation for its rules, OrvNgGrid, OrvNgStyle and the host's grid settings
+///            to paint.
+/// Tells      the host's shortcuts whether Tab belongs to the graph.
+class ORVNODEGRAPH_EXPORT OrvNgView : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    /// What the held mouse button does, besides editing.
+    enum OrvNavigationMode : quint32 {
+        NavigationNone = 0,
+        NavigationZoom = 1,
+        NavigationPan = 3,
+        NavigationMinimap = 4
+    };
+
+    explicit OrvNgView(QWidget* parent);
+    ~OrvNgView() override;
+
+    /// Takes over nodes and grid settings. Call it after setScene(); without a scene it sets up an
+    /// empty view.
+    void init();
+
+    // What is visible
+
+    /// Brings a scene point to the exact centre of the view, at scale 1 when resetScale is set. The
+    /// scene rectangle grows where the view could not scroll there. Points farther than 1e9 from
+    /// the origin are ignored.
+    void centerViewOn(const QPointF& point, bool resetScale);
+    /// Scales the view so that a scene rectangle fills it, whatever the limits of zoomIn(). Only
+    /// with Qt::KeepAspectRatio is the rectangle also centred exactly. Deliberate: hides the base
+    /// class's.
+    void fitInView(QRectF rect, Qt::AspectRatioMode mode);
+    /// The union of the bounds of all visible nodes in scene coordinates, null when there is none.
+    /// Up to 50 ms behind the scene.
+    QRectF visibleNodeBounds() { return m_VisibleNodeBounds; }
+    /// The visible part of the scene; its bounding rectangle if the view is rotated.
+    QRectF viewportInSceneCoords();
+    /// Width divided by height of the widget.
+    float aspect() const;
+
+public Q_SLOTS:
+    /// Nodes have come, gone, moved or changed size: the node bounds follow 50 ms after the last
+    /// call.
+    void contentsChanged();
+    /// One zoom step about Anchor. Steps that would leave a scale of 0.07 to 100 are not made, and
+    /// factors that are not positive and finite are ignored.
+    void zoomIn(double scaleFactor = 1.2,
+        QGraphicsView::ViewportAnchor Anchor = QGraphicsView::AnchorViewCenter);
+    void zoomOut(double scaleFactor = 1.2,
+        QGraphicsView::ViewportAnchor Anchor = QGraphicsView::AnchorViewCenter);
+    /// One single step of a scroll bar.
+    void panUp();
+    void panDown();
+    void panLeft();
+    void panRight();
+    /// Shows or hides the grid; the host's setting calls it.
+    void setGridEnabled(bool Enabled);
+    /// Repaints after a change of grid size or background colours.
+    void refreshBackground();
+    /// The length of one viewport pixel in scene units at the last paint. Items that paint outlines
+    /// of constant width on the screen call it.
+    double onePixelInSceneSpace() const { return m_OnePixelInSceneSpace; }
+
+protected Q_SLOTS:
+    /// One step of scrolling while a node or an edge is dragged near the border.
+    void autoScroll();
+    /// Fits the scene rectangle to the visible area and the node bounds; nothing moves on the
+    /// screen.
+    void setNewSceneRect();
+    /// The same, then centres the view on a scene point.
+    void setNewSceneRect(const QPointF& SceneCenter);
+    void calculateVisibleNodesBoundingRect();
+
+protected:
+    /// Zooms by a factor about the transformation anchor, within the limits of zoomIn().
+    void scaleView(double scaleFactor);
+    /// Scrolls by one step towards each border that the cursor is near or beyond. node is not used.
+    void autoScrollAdvance(OrvNgNode* node, bool restartTimer);
+    /// The length of one viewport pixel along the view's x axis in scene units, now.
+    double calcOnePixelInSceneSpace() const;
+    bool isNavigationHarbor();
+    bool isNavigationQuill();
+
+    // Event overrides
+
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void drawBackground(QPainter* painter, const QRectF& rect) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void enterEvent(QEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    void connectServices();
+
+    // Steps of the mouse handlers: those that return a bool say whether the event is dealt with
+
+    bool pressStartsNavigation(QMouseEvent* event);
+    bool releaseEndsPan(QMouseEvent* event);
+    void startPan(QMouseEvent* event, Qt::KeyboardModifiers droppedModifiers);
+    void startZoomDrag(const QMouseEvent* event);
+    void followZoomDrag(const QMouseEvent* event);
+    void endPan(const QMouseEvent* event);
+    void endZoomDrag();
+    void cancelNavigation();
+    bool isNavigating() const { return m_NavigationMode != NavigationNone; }
+
+    void scaleAboutAnchor(double factor);
+    void centerWithinSceneRect(const QPointF& point);
+    void advanceWhileDragging(bool restartTimer);
+    QPointF sceneCenter(const QSize& viewportSize) const;
+    QPointF visibleCenter() const { return sceneCenter(viewport()->size()); }
+
+    OrvNavigationMode m_NavigationMode = NavigationNone;
+    QPoint m_ZoomPressViewPos;
+    QPointF m_ZoomPressScenePos;
+    QPointF m_ZoomPressSceneCenter;
+    float m_ZoomPressScale = 1.0F; ///< m11 of the view's transform
+    bool m_GridEnabled = false;
+    QTimer m_AutoScrollTimer;
+
+protected:
+    /// "Quill" or "Harbor"; a derived class may set it.
+    QString m_NavigationScheme = QStringLiteral("Quill");
+
+private:
+    QRectF m_VisibleNodeBounds;
+    double m_NodeBoundsAspect = 1.0; ///< width divided by height; an extent of 0 counts as 1
+    QTimer m_BoundsTimer;
+    bool m_BoundsDirty = true;
+    std::unique_ptr<OrvNgGrid> m_Grid;
+    QCursor m_RazorCursor;
+    double m_OnePixelInSceneSpace = 1.0;
+    QSize m_CenteredSize; ///< of the viewport when the view was last centred; invalid before
+};

@@ -1,0 +1,552 @@
+#include "OrvNodeGraph/OrvNgStyle.h"
+#include "OrvNodeGraph/OrvNgView.h"
+#include "support/DebugRecorder.h"
+#include "support/ExtendedRig.h"
+
+#include <QFontMetrics>
+#include <QtTest>
+
+#include <functional>
+
+using Node = OrvNgExtendedNode;
+using Action = std::function<void(Node&)>;
+Q_DECLARE_METATYPE(Action)
+
+namespace {
+
+const QString kOuts = QStringLiteral("outs");
+const QString kWide(60, QLatin1Char('m'));
+
+/// The node as the scene draws it with its surroundings: outlines lie outside its bounds.
+QColor pixel(ExtendedRig& rig, const QPointF& itemPos)
+{
+    const QRectF area(rig.m_Node->pos() - QPointF(50, 50), QSizeF(400, 400));
+    QImage image(area.size().toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    rig.m_Scene.render(&painter, image.rect(), area);
+    return image.pixelColor((itemPos + QPointF(50, 50)).toPoint());
+}
+
+QStringList labelledInputs(Node& node)
+{
+    QStringList names;
+    for (const OrvNgEdge* edge : node.inputs()) {
+        if (edge->isTextVisible())
+            names.append(edge->text());
+    }
+    return names;
+}
+
+} // namespace
+
+class tst_OrvNgExtendedNode : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { QCoreApplication::setOrganizationName(QStringLiteral("OrvTests")); }
+
+    // Modes
+
+    void mode_decidesShownPortsAndBody_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QStringList>("inputs");
+        QTest::addColumn<bool>("outputs");
+        QTest::addColumn<bool>("body");
+        const QStringList none;
+        QTest::newRow("expanded") << int(Node::PORT_LIST_EXPANDED) << true
+                                  << QStringList({kA, kB, kC}) << true << true;
+        QTest::newRow("top to bottom")
+            << int(Node::PORT_LIST_T2B) << true << none << false << false;
+        QTest::newRow("grouped") << int(Node::PORT_LIST_GROUPED) << false
+                                 << QStringList({kC, kGroup}) << true << true;
+        QTest::newRow("only connected, one")
+            << int(Node::PORT_LIST_ONLY_CONNECTED) << true << QStringList(kB) << false << true;
+        QTest::newRow("only connected, none")
+            << int(Node::PORT_LIST_ONLY_CONNECTED) << false << none << false << false;
+        QTest::newRow("collapsed")
+            << int(Node::PORT_LIST_COLLAPSED) << true << none << false << false;
+    }
+    void mode_decidesShownPortsAndBody()
+    {
+        QFETCH(int, mode);
+        QFETCH(bool, connected);
+        QFETCH(QStringList, inputs);
+        QFETCH(bool, outputs);
+        QFETCH(bool, body);
+        ExtendedRig rig;
+        QCOMPARE(rig.shownInputs(), QStringList()); // new ports wait for a pass
+        rig.m_Node->setInputPortClusterMap({{kGroup, {kA, kB}}});
+        QCOMPARE(rig.shownInputs(), QStringList(kGroup)); // cluster ports do not
+        if (connected)
+            rig.connectInput(kB);
+        for (int previous = 0; previous < 5; ++previous) { // from every mode into this one
+            rig.setMode(previous);
+            rig.setMode(mode);
+            QCOMPARE(rig.shownInputs(), inputs);
+            QCOMPARE(rig.m_Node->isOutputPortVisible(kOut), outputs);
+            const int rows = inputs.size() + (outputs ? 2 : 0);
+            const int gaps = qMax(0, inputs.size() - 1) + (outputs ? 1 : 0);
+            const double row = qMax(18, QFontMetrics(QFont()).height());
+            const QRectF header = rig.m_Node->nodeShapeRect();
+            QCOMPARE(rig.m_Node->boundingRect().height(), // margins above and below the lists
+                header.height() + 5 + rows * row + gaps * 5 + 5);
+            QCOMPARE(pixel(rig, {header.width() - 30, header.height() + 3}),
+                body ? QColor(64, 64, 64) : QColor(0, 0, 0, 0));
+            QCOMPARE(pixel(rig, {header.width() / 2, 1}).alpha(), 255);
+        }
+    }
+
+    void hiddenTag_keepsPortHiddenInEveryMode()
+    {
+        ExtendedRig rig;
+        rig.connectInput(kA);
+        rig.m_Node->updateInputTags(kA, {QStringLiteral("_hidden")});
+        for (int mode = 0; mode < 5; ++mode) {
+            rig.setMode(mode);
+            rig.m_Node->setInputPortVisible(kA, true);
+            rig.m_Node->setInputPortVisible(kB, true);
+            QVERIFY(!rig.m_Node->isInputPortVisible(kA) && rig.m_Node->isInputPortVisible(kB));
+        }
+    }
+
+    void connecting_updatesOnlyConnectedPorts()
+    {
+        ExtendedRig rig;
+        rig.setMode(Node::PORT_LIST_ONLY_CONNECTED);
+        rig.m_Source->setPortListMode(Node::PORT_LIST_ONLY_CONNECTED);
+        QVERIFY(!rig.m_Source->isOutputPortVisible(kOut));
+        rig.connectInput(kB);
+        QCOMPARE(rig.shownInputs(), QStringList(kB));
+        QVERIFY(rig.m_Source->isOutputPortVisible(kOut));
+        rig.m_Node->input(kB)->setSourceNode(nullptr, QString());
+        QCOMPARE(rig.shownInputs(), QStringList());
+        QVERIFY(!rig.m_Source->isOutputPortVisible(kOut));
+    }
+
+    // What is refused or unknown changes nothing
+
+    void badCall_isReportedAndChangesNothing_data()
+    {
+        QTest::addColumn<Action>("action");
+        QTest::addColumn<QStringList>("reports"); // file's last word, message
+        const auto row = [](const char* tag, const Action& action, const QStringList& reports) {
+            QTest::newRow(tag) << action << reports;
+        };
+        const auto mode = [](int value) {
+            return [value](Node& n) { n.setPortListMode(static_cast<Node::PortListMode>(value)); };
+        };
+        const QString badIndex = QStringLiteral("Specified index is out of range");
+        const QStringList badIndexTwice = {QStringLiteral("OrvNgExtendedNode: ") + badIndex,
+            QStringLiteral("OrvNgNode: ") + badIndex};
+        const auto own = [](const char* message) {
+            return QStringList(QStringLiteral("OrvNgExtendedNode: ") + QLatin1String(message));
+        };
+        row("mode below the first", mode(-1), own("No such port list mode : -1"));
+        row("mode after the last", mode(5), own("No such port list mode : 5"));
+        row(
+            "input index -1", [](Node& n) { n.removeInput(-1); }, badIndexTwice);
+        row(
+            "output index after the last", [](Node& n) { n.removeOutputPoint(2); }, badIndexTwice);
+        row(
+            "members of an unknown input cluster",
+            [](Node& n) { QCOMPARE(n.inputClusterPortName2ClusterList(kA), QStringList()); },
+            own("Such InputClusterPortName does not exist : a"));
+        row(
+            "members of an unknown output cluster",
+            [](Node& n) { QCOMPARE(n.outputClusterPortName2ClusterList(kOut), QStringList()); },
+            own("Such OutputClusterPortName does not exist : out"));
+        row(
+            "cluster named like an input",
+            [](Node& n) {
+                n.setInputPortClusterMap({{kGroup, {kA}}, {kB, {kC}}});
+            },
+            own("Cluster name is empty or taken : b"));
+        row(
+            "cluster without a name",
+            [](Node& n) {
+                n.setInputPortClusterMap({{QString(), {kC}}, {kGroup, {kA}}});
+            },
+            own("Cluster name is empty or taken : "));
+        row(
+            "input renamed to a taken name", [](Node& n) { n.renameInput(kA, kB); },
+            own("Input name is taken : b"));
+        row(
+            "output renamed to a taken name", [](Node& n) { n.renameOutputPoint(kOut, kRest); },
+            own("Output name is taken : rest"));
+        row("input made twice", [](Node& n) { n.createInput(kA, true, {}); },
+            {QStringLiteral("OrvNgNode: [ !! ] Input 'a' exists already on node ''")});
+        row("output made twice", [](Node& n) { n.createOutputPoint(kOut, true); }, {});
+        row("icon that does not exist", [](Node& n) { n.setIconVisible(true, 0); }, {});
+        row("port that does not exist", [](Node& n) { n.setInputPortVisible(kOuts, true); }, {});
+    }
+    void badCall_isReportedAndChangesNothing()
+    {
+        QFETCH(Action, action);
+        QFETCH(QStringList, reports);
+        ExtendedRig rig;
+        Node& node = *rig.m_Node;
+        node.setInputPortClusterMap({{kGroup, {kA}}});
+        rig.setMode(Node::PORT_LIST_GROUPED);
+        DebugRecorder recorder;
+        action(node);
+        node.applyPortVisibilityMode();
+        QStringList reported;
+        for (const DebugRecorder::Report& report : recorder.reports())
+            reported += report.file.section(QLatin1Char('/'), -1) + QStringLiteral(": ")
+                + report.message;
+        QCOMPARE(reported, reports);
+        QCOMPARE(node.portListMode(), Node::PORT_LIST_GROUPED);
+        QCOMPARE(node.sortedInputPoints(), QStringList({kA, kB, kC}));
+        QCOMPARE(node.sortedOutputPoints(), QStringList({kOut, kRest}));
+        QCOMPARE(rig.shownInputs(), QStringList({kB, kC, kGroup}));
+        QCOMPARE(node.inputCount(), 4);
+        QCOMPARE(node.outputPointCount(), 2);
+        QVERIFY(!node.inputPort(kB)->isClustered() && !node.inputPortBelongsToCluster(kC));
+    }
+
+    // Points, names and clusters
+
+    void removedPoint_takesItsPortAlong()
+    {
+        ExtendedRig rig;
+        rig.m_Node->removeInput(1);
+        QVERIFY(!rig.m_Node->inputPort(kB) && !rig.m_Node->inputExists(kB));
+        QCOMPARE(rig.m_Node->sortedInputPoints(), QStringList({kA, kC}));
+
+        rig.m_Node->createOutputPoint(kOuts, false); // without a port
+        QVERIFY(!rig.m_Node->outputPort(kOuts));
+        DebugRecorder recorder;
+        rig.m_Node->removeOutputPoint(kOuts);
+        QCOMPARE(recorder.messages(), QStringList(QStringLiteral("Could not remove an edge 2")));
+        QCOMPARE(rig.m_Node->outputPointCount(), 2);
+    }
+
+    void renamedInput_keepsItsPortAndCluster()
+    {
+        ExtendedRig rig;
+        rig.m_Node->setInputPortClusterMap({{kGroup, {kA}}});
+        OrvNgPort* port = rig.m_Node->inputPort(kA);
+        const QString renamed = QStringLiteral("renamed");
+        rig.m_Node->renameInput(kA, renamed);
+        QCOMPARE(rig.m_Node->inputPort(renamed), port);
+        QCOMPARE(port->text(), renamed);
+        QVERIFY(rig.m_Node->inputExists(renamed));
+        QVERIFY(!rig.m_Node->inputPort(kA) && !rig.m_Node->inputExists(kA));
+        QCOMPARE(rig.m_Node->inputPort2ClusterName(renamed), kGroup);
+    }
+
+    void prettyNames_areShownByPorts()
+    {
+        ExtendedRig rig;
+        Node& node = *rig.m_Node;
+        const QString blank = QStringLiteral("blank"), late = QStringLiteral("late");
+        const QString nice = QStringLiteral("Base Colour");
+        node.setConnectionPrettyNames(
+            {{late, nice}, {blank, QStringLiteral("  ")}, {kA, nice}}, {{blank, QString()}});
+        QCOMPARE(node.inputPortPrettyName(kC), QString());
+        QCOMPARE(node.outputPortPrettyName(blank), QStringLiteral("Output"));
+        QCOMPARE(node.inputPointPrettyName(kC), kC);
+
+        node.createInput(late, false, {});
+        node.createInput(blank, false, {});
+        node.createOutputPoint(blank, true);
+        QCOMPARE(node.inputPort(late)->text(), nice);
+        QCOMPARE(node.input(late)->prettyText(), nice);
+        QCOMPARE(node.inputPort(blank)->text(), QStringLiteral("Input"));
+        QCOMPARE(node.outputPort(blank)->text(), blank);
+
+        QCOMPARE(node.inputPort(kA)->text(), kA);
+        node.refreshPrettyName(kA);
+        QCOMPARE(node.inputPort(kA)->text(), nice);
+        node.setInputConnectionPrettyNames({});
+        node.refreshPrettyName(kA);
+        QCOMPARE(node.inputPort(kA)->text(), nice);
+    }
+
+    void reorder_putsClustersFirstThenNamedThenRest()
+    {
+        ExtendedRig rig;
+        const QString second = QStringLiteral("second");
+        rig.m_Node->setInputPortClusterMap({{kGroup, {kA}}, {second, {kB}}});
+        rig.setMode(Node::PORT_LIST_GROUPED);
+        rig.m_Node->reorderInputPorts({kC, QStringLiteral("unknown"), kB, kC});
+        QCOMPARE(rig.m_Node->sortedInputPoints(), QStringList({kC, kB, kA}));
+        QVERIFY(rig.inputSquare(kGroup).y() < rig.inputSquare(second).y());
+        QVERIFY(rig.inputSquare(second).y() < rig.inputSquare(kC).y());
+
+        rig.m_Node->reorderOutputPorts({kRest});
+        QCOMPARE(rig.m_Node->sortedOutputPoints(), QStringList({kRest, kOut}));
+        QVERIFY(rig.outputSquare(kRest).y() < rig.outputSquare(kOut).y());
+    }
+
+    void clusterMap_replacesTheLast()
+    {
+        ExtendedRig rig;
+        Node& node = *rig.m_Node;
+        rig.setMode(Node::PORT_LIST_GROUPED);
+        node.setInputPortClusterMap({{kGroup, {kA, kB}}});
+        node.setOutputPortClusterMap({{kOuts, {kOut}}});
+        QCOMPARE(rig.shownInputs(), QStringList({kC, kGroup}));
+        QCOMPARE(node.input(kGroup)->prettyText(), QString()); // its edge carries no label
+        QCOMPARE(node.inputPort(kGroup)->text(), kGroup);
+        const QString other = QStringLiteral("other");
+        node.setInputPortClusterMap({{other, {kC}}});
+        QCOMPARE(node.inputCount(), 4);
+        QVERIFY(!node.inputPort(kGroup) && node.inputPort(other)->isClustered());
+        QCOMPARE(node.inputPort2ClusterName(kA), QString());
+        QCOMPARE(node.inputPort2ClusterName(kC), other);
+        QCOMPARE(rig.shownInputs(), QStringList({kA, kB}));
+
+        node.setInputPortClusterMap({});
+        node.setOutputPortClusterMap({});
+        QVERIFY(!node.hasClusteredPorts() && !node.outputPort(kOuts) && node.outputPort(kOut));
+        QCOMPARE(node.inputCount(), 3);
+        QCOMPARE(node.outputPoints(), QStringList({kOut, kRest}));
+    }
+
+    void clusterToClusterEdge_isFreedForItsMembers()
+    {
+        ExtendedRig rig;
+        rig.m_Node->setInputPortClusterMap({{kGroup, {kA}}});
+        rig.m_Source->setOutputPortClusterMap({{kOuts, {kOut}}});
+        rig.m_Node->setClusteredInputEdgeSource(kA, rig.m_Source, kOut);
+        QCOMPARE(rig.m_Node->input(kA)->sourceNode(), rig.m_Source);
+        rig.setMode(Node::PORT_LIST_GROUPED);
+        QVERIFY(!rig.m_Node->input(kA)->isClustered()); // at one end only
+        rig.m_Source->setPortListMode(Node::PORT_LIST_GROUPED);
+        rig.m_Node->setClusteredInputEdgeSource(kA, nullptr, kOut);
+        QVERIFY(!rig.m_Node->input(kA)->sourceNode());
+    }
+
+    void labels_showOnePerBundleOrAllWithoutPorts()
+    {
+        ExtendedRig rig;
+        for (const QString& name : {kA, kB, kC})
+            rig.connectInput(name);
+        rig.m_Node->setInputPortClusterMap({{kGroup, {kA, kB}}});
+        rig.setMode(Node::PORT_LIST_GROUPED);
+        QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kA, kC}));
+        rig.setMode(Node::PORT_LIST_COLLAPSED);
+        QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kA}));
+        rig.m_Node->input(kA)->setSourceNode(nullptr, QString());
+        QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kB}));
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        QCOMPARE(labelledInputs(*rig.m_Node), QStringList());
+
+        rig.setMode(Node::PORT_LIST_T2B);
+        rig.m_Node->createInput(kOuts, false, {});
+        QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kA, kB, kC, kGroup, kOuts}));
+        rig.setMode(Node::PORT_LIST_ONLY_CONNECTED);
+        QCOMPARE(labelledInputs(*rig.m_Node), QStringList());
+    }
+
+    // Geometry
+
+    void edges_attachAtPortClusterOrHeaderEnd()
+    {
+        ExtendedRig rig;
+        Node& node = *rig.m_Node;
+        node.setInputConnectionPositions({{kA, {QPoint(-10, -20), QPoint(-10, -50)}}});
+        node.setInputPortClusterMap({{kGroup, {kA, kB}}});
+        node.setOutputPortClusterMap({{kOuts, {kOut}}});
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        QCOMPARE(node.inputPortDestPos(kA), rig.inputSquare(kA));
+        rig.setMode(Node::PORT_LIST_GROUPED);
+        QCOMPARE(node.inputPortDestPos(kA), rig.inputSquare(kGroup));
+        QCOMPARE(node.inputPortSourcePos(kB), rig.inputSquare(kGroup));
+        QCOMPARE(node.inputPortDestPos(kC), rig.inputSquare(kC));
+        QCOMPARE(node.outputPortSourcePos(kOut), rig.outputSquare(kOuts));
+        const double middle = 60 + node.nodeShapeRect().height() / 2;
+        node.setInputPortVisible(kGroup, false);
+        QCOMPARE(node.inputPortDestPos(kA), QPointF(410, middle));
+        rig.setMode(Node::PORT_LIST_COLLAPSED);
+        QCOMPARE(node.inputPortDestPos(kA), QPointF(410, middle));
+        QCOMPARE(
+            node.outputPortDestPos(kOut), QPointF(400 + node.nodeShapeRect().width() - 10, middle));
+        rig.setMode(Node::PORT_LIST_T2B);
+        const QPointF centre = node.mapToScene(node.boundingRect().center());
+        QCOMPARE(node.inputPortDestPos(kA), centre + QPointF(-10, -20));
+        QCOMPARE(node.inputPortSourcePos(kA), centre + QPointF(-10, -50));
+    }
+
+    void header_growsWithTitleAndIcons()
+    {
+        Node node(nullptr);
+        node.setText(QString());
+        const OrvNgStyle& style = OrvNgStyle::instance();
+        QCOMPARE(node.nodeShapeRect().size(),
+            QSizeF(double(style.getMinimumNodeWidth()), double(style.getNodeHeight())));
+        QCOMPARE(node.boundingRect().height(), double(style.getNodeHeight()) + 10);
+
+        const QString longest(128, QLatin1Char('m'));
+        node.setText(longest);
+        const double width = node.nodeShapeRect().width();
+        QVERIFY(width > QFontMetrics(QFont()).horizontalAdvance(longest));
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(node.addIcon(QStringLiteral("NodeExpanded")), i);
+        QCOMPARE(node.nodeShapeRect().width(), width);
+        node.setIconVisible(true, 0);
+        node.setIconVisible(true, 2);
+        const int height = int(node.nodeShapeRect().height());
+        const int side = height - 2 * int(height * 0.1);
+        QCOMPARE(node.nodeShapeRect().width(),
+            width - double(style.getNodeShapeIndentX()) / 2 + 2 * side);
+
+        const QString tooLong(5000, QLatin1Char('m'));
+        node.setText(tooLong);
+        QVERIFY(node.nodeShapeRect().width() < width * 1.2);
+        QCOMPARE(node.text(), tooLong);
+    }
+
+    void geometry_isRightWithoutEventLoopAndScene()
+    {
+        ExtendedRig rig;
+        Node& node = *rig.m_Node;
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        Node offScene(nullptr);
+        ExtendedRig::addPoints(offScene);
+        offScene.setPortListMode(Node::PORT_LIST_EXPANDED);
+        offScene.setPos(node.pos());
+        QCOMPARE(offScene.boundingRect(), node.boundingRect());
+        QCOMPARE(offScene.inputPortDestPos(kC), node.inputPortDestPos(kC));
+
+        const double before = node.inputPortDestPos(kC).y();
+        const double step = before - node.inputPortDestPos(kB).y();
+        const double height = node.boundingRect().height();
+        const double width = node.nodeShapeRect().width();
+        node.setInputPortVisible(kA, false);
+        QCOMPARE(node.inputPortDestPos(kC).y(), before - step);
+        node.removeInput(kB);
+        node.inputPort(kC)->setText(kWide);
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(node.inputPortDestPos(kC).y(), before - 2 * step);
+            QCOMPARE(node.boundingRect().height(), height - 2 * step);
+            QVERIFY(node.nodeShapeRect().width() > width + 100);
+            QCOMPARE(node.outputPortSourcePos(kOut).x(), 400 + node.nodeShapeRect().width() - 6);
+            QCoreApplication::processEvents();
+        }
+    }
+
+    void pausedNode_isLaidOutWhenResumed()
+    {
+        ExtendedRig rig;
+        rig.setMode(Node::PORT_LIST_COLLAPSED);
+        const QRectF before = rig.m_Node->boundingRect();
+        rig.m_Node->pauseInvalidation(true);
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        rig.m_Node->setText(kWide);
+        QCOMPARE(rig.m_Node->boundingRect(), before);
+        rig.m_Node->pauseInvalidation(false);
+        QVERIFY(rig.m_Node->boundingRect().width() > before.width() + 200);
+        QCOMPARE(rig.m_Node->inputPortDestPos(kA), rig.inputSquare(kA));
+        QVERIFY(rig.m_Node->sceneBoundingRect().contains(rig.inputSquare(kC) + QPointF(0, 9)));
+    }
+
+    // Picking, painting, deletion
+
+    void portUnderPos_findsInputsThenOutputs()
+    {
+        ExtendedRig rig;
+        Node& node = *rig.m_Node;
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        const QPointF onInput = rig.inputSquare(kB);
+        const QPointF onOutput = rig.outputSquare(kOut);
+        bool isOutput = true;
+        QCOMPARE(node.edgeForPortUnderPos(onInput, &isOutput), node.input(kB));
+        QVERIFY(!isOutput && !node.temporaryOutputEdge());
+        OrvNgEdge* pulled = node.edgeForPortUnderPos(onOutput, &isOutput);
+        QVERIFY(pulled && isOutput && pulled == node.temporaryOutputEdge());
+        QCOMPARE(pulled->sourceOutputPoint(), kOut);
+        QVERIFY(node.portForEdgeContains(pulled, onOutput));
+        QVERIFY(!node.portForEdgeContains(pulled, onInput));
+        QVERIFY(node.portForEdgeContains(node.input(kB), onInput));
+        QVERIFY(!node.portForEdgeContains(node.input(kA), onInput));
+        QVERIFY(!node.portForEdgeContains(nullptr, onInput));
+
+        QVERIFY(!node.edgeForPortUnderPos(onInput + QPointF(30, 0), nullptr));
+        node.updateInputTags(kB, {QStringLiteral("_locked")});
+        QVERIFY(!node.edgeForPortUnderPos(onInput, nullptr));
+        rig.setMode(Node::PORT_LIST_COLLAPSED);
+        QVERIFY(!node.edgeForPortUnderPos(rig.inputSquare(kA), nullptr));
+    }
+
+    void pressOnPort_pullsItsEdgeOut()
+    {
+        ExtendedRig rig;
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        QGraphicsView view(&rig.m_Scene);
+        view.resize(600, 400);
+        view.centerOn(rig.m_Node);
+        const QPoint onInput = view.mapFromScene(rig.inputSquare(kB));
+        OrvNgEdge* edge = rig.m_Node->input(kB);
+        QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::NoModifier, onInput);
+        QVERIFY(!edge->isDragging());
+        QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::NoModifier, onInput);
+        QVERIFY(edge->isGrabbedFromPort() && !edge->isGrabbed());
+        QCOMPARE(rig.m_Scene.mouseGrabberItem(), edge);
+        edge->releaseMouse(QPoint(), QPointF(), true);
+        if (QGraphicsItem* grabber = rig.m_Scene.mouseGrabberItem())
+            grabber->ungrabMouse();
+
+        QVERIFY(rig.m_Node->grabEdgeForPortUnderPos(rig.outputSquare(kOut)));
+        QVERIFY(rig.m_Node->temporaryOutputEdge()->isGrabbed());
+        QCOMPARE(rig.m_Scene.mouseGrabberItem(), rig.m_Node->temporaryOutputEdge());
+        QVERIFY(!rig.m_Node->grabEdgeForPortUnderPos(QPointF(-500, -500)));
+    }
+
+    void selection_ringsBodyAndHeader()
+    {
+        ExtendedRig rig;
+        rig.setMode(Node::PORT_LIST_EXPANDED);
+        const QRectF bounds = rig.m_Node->boundingRect();
+        const QList<QPointF> ring = {{bounds.center().x(), -1.4},
+            {bounds.center().x(), bounds.bottom() + 1.2}, {-1.4, bounds.bottom() - 20}};
+        for (const QPointF& point : ring)
+            QCOMPARE(pixel(rig, point).alpha(), 0);
+        rig.m_Node->setSelected(true);
+        for (const QPointF& point : ring)
+            QCOMPARE(pixel(rig, point), OrvNgStyle::instance().getSelectedNodeColor());
+        QCOMPARE(pixel(rig, {bounds.center().x(), bounds.bottom() - 2}), QColor(64, 64, 64));
+    }
+
+    /// In a view that has painted and indexed them all, one after the other in each way.
+    void deletedNodes_leaveTheirNeighboursRight()
+    {
+        ExtendedRig rig;
+        OrvNgView view(nullptr);
+        view.setScene(&rig.m_Scene);
+        view.resize(300, 200);
+        view.show();
+        QList<QPointer<Node>> nodes;
+        for (int i = 0; i < 20; ++i) {
+            auto* node = new Node(nullptr);
+            rig.m_Scene.addItem(node);
+            ExtendedRig::addPoints(*node);
+            node->setPortListMode(Node::PORT_LIST_ONLY_CONNECTED);
+            if (i > 0)
+                node->input(kA)->setSourceNode(nodes.last(), kOut);
+            nodes.append(node);
+        }
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        view.viewport()->repaint();
+        for (int i = 0; i < nodes.size(); i += 2)
+            nodes.at(i)->destroy();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(nodes.at(0).isNull() && nodes.at(1));
+        QVERIFY(!nodes.at(1)->isInputPortVisible(kA) && !nodes.at(1)->isOutputPortVisible(kOut));
+        view.viewport()->repaint();
+        for (int i = 1; i < 10; i += 2)
+            delete nodes.at(i);
+        view.viewport()->repaint();
+        rig.m_Scene.clear();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(nodes.last().isNull());
+        QVERIFY(rig.m_Scene.items().isEmpty());
+    }
+};
+
+QTEST_MAIN(tst_OrvNgExtendedNode)
+#include "tst_OrvNgExtendedNode.moc"
