@@ -1,0 +1,52 @@
+#pragma once
+
+#include "network/NetMessage.h"
+#include "network/NetScope.h"
+#include "network/NetXmlFile.h"
+
+#include <memory>
+#include <vector>
+
+/// Finds the source of every connected input, once all nodes are there: a node may stand before its
+/// source.
+///
+/// Called by  NetReader.
+/// Uses       NetScope.
+/// Tells      the reader what leads nowhere, by messages.
+class NetConnector
+{
+public:
+    using Files = std::vector<std::shared_ptr<const NetXmlFile>>;
+
+    NetConnector(const Files& files, QVector<NetScope>* scopes, QVector<NetMessage>* messages);
+
+    void connectAll();
+
+private:
+    struct Wanted
+    {
+        NetBinding binding = NetBinding::NodeName;
+        QString name;
+        QString output; // null when not given
+    };
+    struct Source
+    {
+        int node = -1;
+        int port = -1;
+    };
+
+    static bool wantedBy(const NetPort& port, Wanted* wanted);
+    void connectInput(NetScope* scope, int nodeIndex, int portIndex);
+    Source find(NetScope* scope, const Wanted& wanted, const NetPort& dest);
+    Source findInterface(NetScope* scope, const Wanted& wanted, const NetPort& dest);
+    static Source outputOf(
+        NetScope* scope, int nodeIndex, const Wanted& wanted, const NetPort& dest);
+    NetOpenEnd::Reason reasonFor(
+        const NetScope& scope, const NetNode& dest, const Wanted& wanted) const;
+    void report(const NetScope& scope, const NetOpenEnd& end);
+    static void completeOutputs(NetScope* scope);
+
+    const Files& m_Files;
+    QVector<NetScope>* m_Scopes;
+    QVector<NetMessage>* m_Messages;
+};

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "network/NetNode.h"
+
+#include <QHash>
+#include <QRectF>
+
+/// How an input or output names its source.
+enum class NetBinding { NodeName, NodeGraph, InterfaceName, Output };
+
+/// One edge inside a scope. Ends are positions in NetScope::nodes and in the ports of those nodes.
+struct NetConnection
+{
+    int sourceNode = -1;
+    int sourcePort = -1; ///< in outputs of the source
+    int destNode = -1;
+    int destPort = -1; ///< in inputs of the destination
+    NetBinding binding = NetBinding::NodeName;
+    int line = 0; ///< of the element that names the source
+};
+
+/// An input that names a source which cannot be drawn in the scope.
+struct NetOpenEnd
+{
+    enum class Reason {
+        Missing, ///< nothing of that name exists (a warning)
+        Tolerated, ///< an output that names a graph as if it were a node (an info)
+        Outside ///< the source is a graph or output of the document, around the scope
+    };
+    int destNode = -1;
+    int destPort = -1;
+    NetBinding binding = NetBinding::NodeName;
+    Reason reason = Reason::Missing;
+    QString wantedName;
+    QString wantedOutput; ///< null when the element names none
+    int line = 0;
+};
+
+/// A titled rectangle behind nodes, in the unit of the file; see NetPlacement.
+struct NetBackdrop
+{
+    QString name;
+    QString title; ///< uiname, else doc, else name
+    QRectF rect;
+    NetAttributes attributes;
+    int fileIndex = 0;
+    int line = 0;
+};
+
+/// What one view shows: the document level, or the inside of one nodegraph.
+///
+/// Called by  the scene controller, which builds one scene of it; NetLayout's callers.
+/// Uses       NetNode.
+/// Tells      nobody.
+class NetScope
+{
+public:
+    enum class Kind {
+        Document,
+        CompoundGraph, ///< has inputs of its own
+        FunctionalGraph ///< implements a definition, whose inputs are its own
+    };
+
+    Kind kind = Kind::Document;
+    QString name; ///< of the graph; empty for the document level
+    QString
+        path; ///< names from the document level down, divided by '/'; empty for the document level
+    int index = 0; ///< own position in NetDocument::scopes()
+    int parent = -1; ///< position of the scope around this one; -1 for the document level
+    NetDefinitionPtr definition; ///< functional graphs: what it implements; null when not found
+    NetAttributes attributes; ///< of the nodegraph, or of the root element
+    QString nameSpace; ///< in force for the elements inside; empty for none
+    QVector<NetNode> nodes; ///< in the order of the file; implied inputs first
+    QVector<NetConnection> connections; ///< in the order of the file's destinations
+    QVector<NetOpenEnd> openEnds;
+    QVector<NetBackdrop> backdrops;
+    int fileIndex = 0;
+    int line = 0;
+
+    /// Position of the first node of that kind and name; -1 when there is none.
+    int indexOf(NetNode::Kind nodeKind, const QString& nodeName) const;
+    /// Position of the node with that key; -1 when there is none.
+    int indexOfKey(const QString& key) const;
+    /// Adds a node, gives it its key and returns its position.
+    int append(NetNode node);
+    /// Makes the node also known by another name, unless the name is taken (for namespaces).
+    void addAlias(int nodeIndex, const QString& alias);
+
+private:
+    QHash<QPair<int, QString>, int> m_First;
+    QHash<QPair<int, QString>, int> m_Occurrences;
+    QHash<QString, int> m_Keys;
+};
