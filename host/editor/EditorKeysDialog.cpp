@@ -1,0 +1,76 @@
+#include "editor/EditorKeysDialog.h"
+
+#include <QAction>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QVBoxLayout>
+
+namespace {
+
+QString plain(QString menuText)
+{
+    return menuText.remove(QLatin1Char('&')).remove(QStringLiteral("…"));
+}
+
+QString keysOf(const QAction* action)
+{
+    QStringList keys;
+    const QList<QKeySequence> shortcuts = action->shortcuts();
+    for (const QKeySequence& shortcut : shortcuts)
+        keys.append(shortcut.toString(QKeySequence::NativeText));
+    keys.removeDuplicates();
+    return keys.join(QStringLiteral(", "));
+}
+
+QString row(const QString& keys, const QString& what)
+{
+    return QStringLiteral("<tr><td style='padding-right:24px'><b>%1</b></td><td>%2</td></tr>")
+        .arg(keys.toHtmlEscaped(), what.toHtmlEscaped());
+}
+
+QString heading(const QString& text)
+{
+    return QStringLiteral("<tr><td colspan='2' style='padding-top:8px;color:#9aa0aa'>%1</td></tr>")
+        .arg(text.toHtmlEscaped());
+}
+
+QString menuRows(const QMenu* menu)
+{
+    QString rows;
+    const QList<QAction*> actions = menu->actions();
+    for (const QAction* action : actions) {
+        const QString keys = keysOf(action);
+        if (!keys.isEmpty())
+            rows += row(keys, plain(action->text()));
+    }
+    return rows.isEmpty() ? rows : heading(plain(menu->title())) + rows;
+}
+
+} // namespace
+
+EditorKeysDialog::EditorKeysDialog(const QMenuBar* menus, QWidget* parent)
+    : QDialog(parent)
+{
+    setWindowTitle(tr("Keys and Mouse"));
+    QString html = QStringLiteral("<table cellspacing='2'>");
+    const QList<QAction*> actions = menus->actions();
+    for (const QAction* action : actions) {
+        if (action->menu())
+            html += menuRows(action->menu());
+    }
+    html += heading(tr("Mouse"));
+    html += row(tr("Wheel"), tr("Zoom about the mouse"));
+    html += row(tr("Middle button"), tr("Pan"));
+    html += row(tr("Alt + Middle button"), tr("Zoom by dragging"));
+    html += row(tr("Button at the right of a header"), tr("Next port list mode"));
+    html += row(tr("Double click"), tr("Enter a graph"));
+    html += QStringLiteral("</table>");
+
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(new QLabel(html, this));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    column->addWidget(buttons);
+}

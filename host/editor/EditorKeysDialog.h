@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QDialog>
+
+class QMenuBar;
+
+/// The overview of keys and mouse: every menu action that has a key, and what the mouse does in the
+/// graph.
+///
+/// Called by  EditorWindow.
+/// Uses       the actions of a menu bar, so that the overview is never behind them.
+/// Tells      nobody.
+class EditorKeysDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit EditorKeysDialog(const QMenuBar* menus, QWidget* parent = nullptr);
+};

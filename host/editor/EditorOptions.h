@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+/// What the command line asks for.
+///
+/// Called by  main.
+/// Uses       QCommandLineParser.
+/// Tells      nobody.
+struct EditorOptions
+{
+    QString file; ///< empty: the first own sample
+    QStringList searchPath;
+    QString graph; ///< empty: the scope worth showing first
+    QString screenshot; ///< empty: open a window
+    QSize size{1600, 1000}; ///< of the window, in pixels
+    int zoom = 0; ///< percent; 0 frames everything
+    int mode = 0; ///< OrvNgExtendedNode::PortListMode
+    QString error; ///< one sentence when the line makes no sense; the rest is then unset
+    QString answer; ///< what to print instead of running: help or version
+
+    /// arguments begins with the program's name. Needs the application object, for its name.
+    static EditorOptions parse(const QStringList& arguments);
+};

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "network/NetReader.h"
+#include "support/DebugRecorder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEvent>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+/// What the editor's tests share.
+namespace EditorTesting {
+
+/// Qt's warnings and the library's reports while it lives: the noise of a program at fault.
+class Noise
+{
+public:
+    Noise()
+    {
+        s_Current = this;
+        m_Previous = qInstallMessageHandler(&Noise::hear);
+    }
+    ~Noise()
+    {
+        qInstallMessageHandler(m_Previous);
+        s_Current = nullptr;
+    }
+    QStringList heard() const { return m_Warnings + m_Reports.messages(); }
+
+private:
+    Q_DISABLE_COPY(Noise)
+    static void hear(QtMsgType type, const QMessageLogContext& context, const QString& text)
+    {
+        const bool isPlatforms = text.startsWith(QLatin1String("This plugin does not support"));
+        if (type != QtDebugMsg && type != QtInfoMsg && !isPlatforms)
+            s_Current->m_Warnings.append(text);
+        s_Current->m_Previous(type, context, text);
+    }
+
+    static inline Noise* s_Current = nullptr;
+    QtMessageHandler m_Previous = nullptr;
+    QStringList m_Warnings;
+    DebugRecorder m_Reports;
+};
+
+/// Runs what waits in the event loop, deferred deletions too.
+inline void flush()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+}
+
+inline QString samplePath(const char* name)
+{
+    return QDir(QStringLiteral(ORV_RESOURCES "/networks")).filePath(QString::fromLatin1(name));
+}
+
+inline QString writeFile(const QDir& folder, const QString& name, const QByteArray& text)
+{
+    QFile file(folder.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("cannot write the test's file");
+    return file.fileName();
+}
+
+/// Rows of all own samples, and of all shared documents where their folder is there.
+inline void addDocumentRows()
+{
+    QTest::addColumn<QString>("file");
+    const QDir samples(QStringLiteral(ORV_RESOURCES "/networks"));
+    const QStringList own = samples.entryList({QStringLiteral("*.mtlx")}, QDir::Files, QDir::Name);
+    for (const QString& name : own)
+        QTest::newRow(qPrintable(name)) << samples.filePath(name);
+    const QDir shared(qEnvironmentVariable("ORV_SHARED_DATA"));
+    QFile counts(shared.filePath(QStringLiteral("counts.json")));
+    if (qEnvironmentVariableIsEmpty("ORV_SHARED_DATA") || !counts.open(QIODevice::ReadOnly)) {
+        qInfo("The folder of shared documents (ORV_SHARED_DATA) is not there: own samples only.");
+        return;
+    }
+    const QStringList names = QJsonDocument::fromJson(counts.readAll()).object().keys();
+    for (const QString& name : names)
+        QTest::newRow(qPrintable(name)) << shared.filePath(name);
+}
+
+} // namespace EditorTesting

@@ -1,0 +1,141 @@
+#include "editor/EditorTesting.h"
+#include "support/TestTable.h"
+
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace EditorTesting;
+
+/// The program itself, run as from a shell: exit codes, what it prints, pictures.
+class tst_EditorProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void badLine_failsWithAReason_data();
+    void badLine_failsWithAReason();
+    void badFile_failsWithFileAndLine_data();
+    void badFile_failsWithFileAndLine();
+    void screenshot_hasTheAskedSizeAndShowsNodes();
+    void withoutDisplay_saysHowToGoOn();
+
+private:
+    struct Outcome
+    {
+        int code = -1;
+        QString errors;
+    };
+    Outcome run(const QStringList& arguments, bool hasDisplay = true) const;
+    QString path(const char* name) const
+    {
+        return QDir(m_Folder.path()).filePath(QString::fromLatin1(name));
+    }
+
+    QTemporaryDir m_Folder;
+};
+
+tst_EditorProgram::Outcome tst_EditorProgram::run(
+    const QStringList& arguments, bool hasDisplay) const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!hasDisplay)
+            environment.remove(QString::fromLatin1(name));
+    }
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(ORV_EDITOR_PROGRAM), arguments);
+    if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {program.exitCode(), QString::fromLocal8Bit(program.readAllStandardError())};
+}
+
+void tst_EditorProgram::badLine_failsWithAReason_data()
+{
+    const TestTable<QStringList, QString> row("arguments", "reason");
+    const QString sample = samplePath("garden_wall.mtlx");
+    row("unknown graph",
+        QStringList{QStringLiteral("--screenshot"), path("never.png"), QStringLiteral("--graph"),
+            QStringLiteral("attic"), sample},
+        "NG_wall_soil, courses, clay, mortar, moss");
+    row("picture in no folder",
+        QStringList{QStringLiteral("--screenshot"), path("no/such/folder.png"), sample},
+        "folder.png");
+}
+
+void tst_EditorProgram::badLine_failsWithAReason()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, reason);
+    const Outcome outcome = run(arguments);
+    QCOMPARE(outcome.code, 2);
+    QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
+    QVERIFY(!QFile::exists(path("never.png")));
+}
+
+void tst_EditorProgram::badFile_failsWithFileAndLine_data()
+{
+    const TestTable<QByteArray, QString, bool> row("text", "place", "isDrawn");
+    row("missing", QByteArray(), "bad.mtlx: ", false);
+    row("tag not closed", "<materialx>\n\n<add>\n</materialx>", "bad.mtlx:4: ", false);
+    row("broken connection",
+        "<materialx>\n<odd name='a' type='float'>\n"
+        "<input name='in' type='float' nodename='gone'/></odd></materialx>",
+        "bad.mtlx:3: ", true);
+}
+
+void tst_EditorProgram::badFile_failsWithFileAndLine()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, place);
+    QFETCH(bool, isDrawn);
+    const QString bad = path("bad.mtlx");
+    const QString shot = path("bad.png");
+    QFile::remove(bad);
+    if (!text.isNull())
+        writeFile(QDir(m_Folder.path()), QStringLiteral("bad.mtlx"), text);
+    QVector<Outcome> outcomes{run({QStringLiteral("--screenshot"), shot, bad})};
+    QCOMPARE(QFile::exists(shot), isDrawn);
+    QCOMPARE(!QImage(shot).isNull(), isDrawn);
+    if (!isDrawn) // else a window would stay open
+        outcomes.append(run({bad}));
+    for (const Outcome& outcome : qAsConst(outcomes)) {
+        QCOMPARE(outcome.code, 2);
+        QVERIFY2(outcome.errors.contains(place), qPrintable(outcome.errors));
+    }
+}
+
+void tst_EditorProgram::screenshot_hasTheAskedSizeAndShowsNodes()
+{
+    const QString shot = path("shot.png");
+    QStringList arguments
+        = QStringLiteral("--graph clay --zoom 100 --size 700x500 --mode 4").split(QLatin1Char(' '));
+    arguments += {QStringLiteral("--screenshot"), shot, samplePath("garden_wall.mtlx")};
+    const Outcome outcome = run(arguments);
+    QVERIFY2(outcome.code == 0, qPrintable(outcome.errors));
+    const QImage image(shot);
+    QCOMPARE(image.size(), QSize(700, 500));
+    // Headers and ports are the only saturated colours of the dark window.
+    int colourful = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            colourful += image.pixelColor(x, y).saturation() > 100 ? 1 : 0;
+    }
+    QVERIFY2(colourful > 40, qPrintable(QString::number(colourful)));
+}
+
+void tst_EditorProgram::withoutDisplay_saysHowToGoOn()
+{
+    const QString sample = samplePath("copper_patina.mtlx");
+    const Outcome refused = run({sample}, false);
+    QCOMPARE(refused.code, 2);
+    QCOMPARE(refused.errors.count(QLatin1Char('\n')), 1);
+    QVERIFY(refused.errors.contains(QStringLiteral("--screenshot")));
+    QCOMPARE(run({QStringLiteral("--screenshot"), path("bare.png"), sample}, false).code, 0);
+    QVERIFY(!QImage(path("bare.png")).isNull());
+}
+
+QTEST_GUILESS_MAIN(tst_EditorProgram)
+#include "tst_EditorProgram.moc"
