@@ -1,0 +1,4 @@
+# Installs BUILD_DIR into a PREFIX that holds nothing of an earlier run.
+file(REMOVE_RECURSE ${PREFIX})
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${PREFIX}
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
