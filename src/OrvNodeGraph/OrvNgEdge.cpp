@@ -544,6 +544,10 @@ void OrvNgEdge::updateRareItems()
 {
     const bool crossed
         = hasFlag(FlagBypassed) && isFullConnected() && !isDragging() && m_HasChildren;
+    const bool marked = m_DotableMode && !isDragging();
+    const bool circled = looseEnd() == LooseEnd::Source;
+    const bool isAnyNew
+        = (crossed && !m_CrossLines[0]) || (marked && !m_Marker) || (circled && !m_GrabCircle);
     if (crossed && !m_CrossLines[0])
         makeCrossLines();
     for (QGraphicsLineItem* line : m_CrossLines) {
@@ -551,18 +555,18 @@ void OrvNgEdge::updateRareItems()
             line->setVisible(crossed);
     }
 
-    const bool marked = m_DotableMode && !isDragging();
     if (marked && !m_Marker)
         m_Marker = new OrvNgDotableMarkerItem(this);
     if (m_Marker)
         m_Marker->setVisible(marked);
 
-    const bool circled = looseEnd() == LooseEnd::Source;
     if (circled && !m_GrabCircle)
         makeGrabCircle();
     if (m_GrabCircle)
         m_GrabCircle->setVisible(circled);
-    placeMidpointItems();
+    // Those that were there already are placed with the path.
+    if (isAnyNew)
+        placeMidpointItems();
 }
 
 void OrvNgEdge::makeCrossLines()
