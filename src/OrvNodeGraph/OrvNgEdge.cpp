@@ -13,7 +13,6 @@
 #include <QGraphicsPathItem>
 #include <QGraphicsPolygonItem>
 #include <QGraphicsScene>
-#include <QGraphicsSceneMouseEvent>
 #include <QPainter>
 #include <QPainterPathStroker>
 #include <QPen>
@@ -199,13 +198,7 @@ void OrvNgEdge::detachFromSourceNode()
     if (!m_DestNode || !m_SourceNode)
         return;
     setSourceNode(nullptr, QString());
-    m_DestNode->notifyInputSourceChange(nullptr, QString(), m_Text);
-}
-
-void OrvNgEdge::detachFromDestNode()
-{
-    m_DestNode.clear();
-    invalidateAdjustment();
+    m_DestNode->notifyInputSourceChange(nullptr, QString(), QString(m_Text));
 }
 
 void OrvNgEdge::nodeGone(OrvNgNode* node)
@@ -819,66 +812,4 @@ QRectF OrvNgEdge::boundingRect() const
 
 void OrvNgEdge::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*)
 {
-}
-
-// Dragging an end
-
-void OrvNgEdge::grabEdge(const QPointF& pos, bool fromPort, bool isOutput)
-{
-    if (m_IsDestroyed)
-        return;
-    setFlag(FlagDragging, true);
-    m_Grabbed = isOutput;
-    m_GrabbedFromPort = fromPort;
-    m_LoosePoint = mapToScene(pos);
-    invalidateAdjustment();
-    adjust();
-}
-
-void OrvNgEdge::releaseMouse(const QPoint&, const QPointF&, bool)
-{
-    setEdgeColor();
-    setFlag(FlagDragging, false);
-    if (!m_DestNode)
-        m_DestNode = m_HomeNode;
-    m_Grabbed = false;
-    m_GrabbedFromPort = false;
-    invalidateAdjustment();
-    if (m_SourceNode && m_SourceNode->temporaryOutputEdge() == this) {
-        m_SourceNode->removeTemporaryOutputEdge();
-        return;
-    }
-    adjust();
-}
-
-void OrvNgEdge::mousePressEvent(QGraphicsSceneMouseEvent* event)
-{
-    if (isDragging() && m_GrabbedFromPort) {
-        releaseMouse(event->screenPos(), event->scenePos(), event->button() != Qt::LeftButton);
-        giveUpMouse();
-        return;
-    }
-    QGraphicsItem::mousePressEvent(event);
-}
-
-void OrvNgEdge::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
-{
-    if (!isDragging()) {
-        QGraphicsItem::mouseMoveEvent(event);
-        return;
-    }
-    m_LoosePoint = event->scenePos();
-    adjust();
-}
-
-void OrvNgEdge::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
-{
-    if (isDragging() && m_GrabbedFromPort)
-        return; // the end stays on the cursor until the next press
-    if (isDragging() && event->button() == Qt::LeftButton) {
-        releaseMouse(event->screenPos(), event->scenePos(), false);
-        giveUpMouse();
-        return;
-    }
-    QGraphicsItem::mouseReleaseEvent(event);
 }

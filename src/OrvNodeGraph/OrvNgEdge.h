@@ -11,6 +11,7 @@
 class OrvNgDotableMarkerItem;
 class OrvNgEdgePens;
 class OrvNgLodTextItem;
+class QAction;
 class QGraphicsEllipseItem;
 class QGraphicsLineItem;
 class QGraphicsPathItem;
@@ -37,7 +38,8 @@ struct OrvNgEdgeRoute;
 /// (OrvNgNode::notifyInputSourceChange); the setters that hosts call are silent.
 ///
 /// Called by  the nodes at its ends (adjust), the host (setSourceNode), OrvNgView (hover, cutting).
-/// Uses       OrvNgEdgeRouter for its path, OrvNgEdgePens for its pens, OrvNgEdgeEnds for its end nodes.
+/// Uses       OrvNgEdgeRouter for its path, OrvNgEdgePens for its pens, OrvNgEdgeEnds for its end nodes,
+///            OrvNgEdgeDrop and OrvNgEdgeWiring for what the user does.
 /// Tells      the nodes at its ends, which tell the host.
 class ORVNODEGRAPH_EXPORT OrvNgEdge : public OrvSerializableObject, public QGraphicsItem
 {
@@ -77,12 +79,24 @@ public:
     /// Frees the source end of an edge that has a destination, which is notified.
     void detachFromSourceNode();
     /// Lets the destination end hang loose. The node keeps the edge among its inputs and gets it back at the
-    /// end of the drag, so nobody is notified yet.
+    /// end of the drag, so nobody is notified yet. grabEdge() follows.
     void detachFromDestNode();
 
     /// Leaves both nodes, hides, and deletes the edge later, from the event loop. Silent; a second call does
     /// nothing.
     virtual void destroy();
+
+    // What the user does. The host hears of every input that changed; what replaces a connection is gathered
+    // in one undo step. Refused where an end is null or the same node, an edge is locked, or the destination
+    // does not accept it (OrvNgNode::acceptsInputSource): nothing changes then.
+
+    /// Connects the source end.
+    void setNewSourceNodeToEdge(OrvNgNode* node, const QString& outputPointName);
+    /// Gives the input inputName of node this edge's source, and frees the input this edge stands for.
+    void setNewDestNodeToEdge(OrvNgNode* node, const QString& inputName);
+    /// Puts a node between the ends of this edge: freeInput, one of its inputs, gets this edge's source, and
+    /// this edge gets the node's first output.
+    void insertNodeIntoEdge(OrvNgNode* node, OrvNgEdge* freeInput);
 
     // Text, tags, states
 
@@ -118,6 +132,9 @@ public:
     void setEdgeColor();
     void hightlightForNodeInsert();
     void unHightlightForNodeInsert();
+    /// Shows whether a press at pos, in edge coordinates, would pick an end up. The view calls it while the
+    /// mouse moves over the edge, and once more with a point elsewhere when it has left.
+    void highlightEdgeBasedOnClosestNode(const QPointF& pos);
     /// Shows and hides edge and children by tags, state and what the end nodes show.
     void setVisibilityForItems();
     /// Shows the marker at which a dot can be inserted in place of the label. Without effect on the edges of
@@ -139,7 +156,10 @@ public:
     /// Starts to carry an end: with isOutput the destination end, else the source end; fromPort says that
     /// the drag was pulled out of a port and goes on until the next press. pos is in edge coordinates.
     void grabEdge(const QPointF& pos, bool fromPort, bool isOutput);
-    /// Ends the drag: the edge goes home.
+    /// Ends the drag at a point, on what lies there: an end dropped on another point moves the connection, an
+    /// end dropped on nothing frees the input, and one that is refused, or dropped by a port drag on nothing,
+    /// or cancelled, goes back. Of several points that fit the user chooses in a menu at globalPos (screen
+    /// pixels). Nothing happens without a drag. The edge may be gone afterwards.
     void releaseMouse(const QPoint& globalPos, const QPointF& scenePos, bool cancelled);
     bool isGrabbed() const { return m_Grabbed; }
     bool isGrabbedFromPort() const { return m_GrabbedFromPort; }
@@ -152,7 +172,30 @@ public:
     QRectF boundingRect() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
+public Q_SLOTS:
+    /// An entry of the menu of a drop: its properties "nodeUnderThis" and "inputName" or "outputPointName" say
+    /// what was chosen. Without effect while no such menu is open.
+    void onInputPointSelected(QAction* action);
+    void onOutputPointSelected(QAction* action);
+
 protected:
+    enum class DropResult {
+        NoTarget, ///< nothing lies there
+        Connected, ///< made, or there already
+        Refused
+    };
+
+    /// The end node that a press at pos, in edge coordinates, picks off; null for none.
+    OrvNgNode* getClosestNodeToMouseClick(const QPointF& pos);
+    /// Looks for a target among the items at the loose end and connects to it; may open a menu.
+    DropResult checkAndCreateNewConnectionFromEdgeToNode(
+        const QList<QGraphicsItem*>& items, const QPoint& globalPos, const QPointF& scenePos);
+    /// Whether the cursor has left the port out of which it pulled the edge.
+    bool hasLeftPort() const { return m_Drag && m_Drag->m_LeftPort; }
+
+    bool sceneEvent(QEvent* event) override;
+    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
+    void hoverLeaveEvent(QGraphicsSceneHoverEvent* event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent* event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
@@ -186,11 +229,41 @@ private:
         bool operator==(const Ends& other) const;
     };
 
+    /// What a drag must be able to put back.
+    struct Drag
+    {
+        QPointer<OrvNgNode> m_LiftedSource; ///< of a carried source end, with its output
+        QString m_LiftedPoint;
+        QPointer<OrvNgNode> m_MenuNode; ///< whose points the open menu offers
+        bool m_IsLifted = false;
+        bool m_WasConnected = false;
+        bool m_LeftPort = false;
+        bool m_IsReleasing = false;
+    };
+
     bool hasFlag(Flag flag) const { return (m_Flags & flag) != 0; }
     void setFlag(Flag flag, bool on);
     void changeState(Flag flag, bool on);
     LooseEnd looseEnd() const;
     bool isUnconnectedStub() const { return !m_DestNode && !m_HomeNode; }
+
+    LooseEnd endAt(const QPointF& pos);
+    Drag& startDrag();
+    void liftSource();
+    void followMouse(const QPointF& scenePos);
+    bool comeHome();
+    void cancelIfAbandoned();
+    void tellFreed();
+    void removeIfTemporary();
+    void release(const QGraphicsSceneMouseEvent* event, bool cancelled);
+    QList<QGraphicsItem*> itemsAtLooseEnd() const;
+    DropResult dropDest(OrvNgNode* node, const QString& input, const QPoint& globalPos);
+    DropResult dropSource(OrvNgNode* node, const QString& output, const QPoint& globalPos);
+    DropResult choose(
+        LooseEnd end, OrvNgNode* node, const QStringList& points, const QPoint& globalPos);
+    void takeChoice(LooseEnd end, const QAction* action, const char* property);
+    DropResult settleOn(LooseEnd end, OrvNgNode* node, const QString& point);
+    bool isPresentSource(const OrvNgNode* node, const QString& output) const;
 
     void nodeGone(OrvNgNode* node);
     void giveUpMouse();
@@ -251,6 +324,7 @@ private:
     OrvNgDotableMarkerItem* m_Marker = nullptr;
     QGraphicsEllipseItem* m_GrabCircle = nullptr;
 
+    std::unique_ptr<Drag> m_Drag; ///< null while no end is loose
     std::unique_ptr<OrvNgEdgePens> m_Pens; ///< null until first needed
     QColor m_DebugColor;
     Ends m_Ends; ///< as given to the last adjustment, before clipping

@@ -47,6 +47,32 @@ bool OrvNgEdgeEnds::showsOutputPort(OrvNgNode* node, const QString& output)
                 && extended->isOutputPortVisible(extended->outputPort2ClusterName(output))));
 }
 
+bool OrvNgEdgeEnds::hasOutput(OrvNgNode* node, const QString& output)
+{
+    const auto* extended = qobject_cast<const OrvNgExtendedNode*>(node);
+    return node
+        && (node->outputPoints().contains(output)
+            || (extended && extended->hasOutputCluster(output)));
+}
+
+QString OrvNgEdgeEnds::inputUnder(OrvNgNode* node, const QPointF& scenePos)
+{
+    const auto* extended = qobject_cast<const OrvNgExtendedNode*>(node);
+    return extended ? extended->inputPointUnderPos(scenePos) : QString();
+}
+
+QString OrvNgEdgeEnds::outputUnder(OrvNgNode* node, const QPointF& scenePos)
+{
+    const auto* extended = qobject_cast<const OrvNgExtendedNode*>(node);
+    return extended ? extended->outputPointUnderPos(scenePos) : QString();
+}
+
+bool OrvNgEdgeEnds::isOnPortOf(OrvNgNode* node, OrvNgEdge* edge, const QPointF& scenePos)
+{
+    auto* extended = qobject_cast<OrvNgExtendedNode*>(node);
+    return extended && extended->portForEdgeContains(edge, scenePos);
+}
+
 bool OrvNgEdgeEnds::isClusteredInput(OrvNgNode* node, const QString& input)
 {
     const auto* extended = qobject_cast<const OrvNgExtendedNode*>(node);

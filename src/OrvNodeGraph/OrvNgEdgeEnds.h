@@ -4,6 +4,7 @@
 
 class OrvNgEdge;
 class OrvNgNode;
+class QPointF;
 
 /// Internal. What an edge needs to know of the nodes at its ends beyond the base node: whether they show
 /// ports, and which ports stand for several connection points at once.
@@ -19,6 +20,15 @@ namespace OrvNgEdgeEnds {
 bool isSidePortNode(const OrvNgNode* node);
 bool showsInputPort(OrvNgNode* node, const QString& input);
 bool showsOutputPort(OrvNgNode* node, const QString& output);
+
+/// The point exists, or stands for a cluster of outputs.
+bool hasOutput(OrvNgNode* node, const QString& output);
+
+/// The shown port whose square, or else whose whole row, lies under a scene point; null for none.
+QString inputUnder(OrvNgNode* node, const QPointF& scenePos);
+QString outputUnder(OrvNgNode* node, const QPointF& scenePos);
+/// Whether a scene point lies on the port of the node at which the edge hangs.
+bool isOnPortOf(OrvNgNode* node, OrvNgEdge* edge, const QPointF& scenePos);
 
 /// The point belongs to, or is, a cluster of a node in the grouped mode.
 bool isClusteredInput(OrvNgNode* node, const QString& input);

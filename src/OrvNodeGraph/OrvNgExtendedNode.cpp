@@ -858,6 +858,18 @@ bool OrvNgExtendedNode::portForEdgeContains(OrvNgEdge* edge, const QPointF& scen
     return port && port->isShown() && port->portRectMappedToScene().contains(scenePos);
 }
 
+QString OrvNgExtendedNode::inputPointUnderPos(const QPointF& scenePos) const
+{
+    const OrvNgPort* port = m_Inputs->shownPortAround(scenePos);
+    return port ? port->originalPortName() : QString();
+}
+
+QString OrvNgExtendedNode::outputPointUnderPos(const QPointF& scenePos) const
+{
+    const OrvNgPort* port = m_Outputs->shownPortAround(scenePos);
+    return port ? port->originalPortName() : QString();
+}
+
 // Painting
 
 void OrvNgExtendedNode::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget* widget)

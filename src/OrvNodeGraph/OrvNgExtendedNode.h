@@ -199,6 +199,11 @@ public:
     /// foreign edge.
     bool portForEdgeContains(OrvNgEdge* edge, const QPointF& scenePos);
 
+    /// The input or output whose shown port lies under a scene point, its square before its row; null for
+    /// none. A port that stands for a cluster gives the cluster's name.
+    QString inputPointUnderPos(const QPointF& scenePos) const;
+    QString outputPointUnderPos(const QPointF& scenePos) const;
+
     // QGraphicsItem
 
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;

@@ -380,6 +380,17 @@ void OrvNgNode::notifyInputSourceChange(
     Q_EMIT inputSourceChanged(node, output, input);
 }
 
+bool OrvNgNode::acceptsInputSource(OrvNgNode*, const QString&, const QString&)
+{
+    return true;
+}
+
+void OrvNgNode::notifyInputSourceRefused(
+    OrvNgNode* source, const QString& output, const QString& input)
+{
+    Q_EMIT inputSourceRefused(source, output, input);
+}
+
 void OrvNgNode::notifyNodePortListModeChanged(int mode)
 {
     Q_EMIT nodePortListModeChanged(mode);
@@ -810,6 +821,37 @@ OrvNgEdge* OrvNgNode::temporaryOutputEdge()
 void OrvNgNode::savePosition()
 {
     m_PreviousPosition = scenePos();
+}
+
+OrvNgNode::OrvNgSelectMode OrvNgNode::resolveSelectionMode(
+    const QFlags<Qt::KeyboardModifier>& modifiers)
+{
+    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
+    const bool control = modifiers.testFlag(Qt::ControlModifier);
+    if (shift && control)
+        return SelectToggle;
+    if (shift)
+        return SelectAdd;
+    return control ? SelectRemove : SelectReplace;
+}
+
+bool OrvNgNode::canBeInsertedIntoAnEdge(OrvNgEdge*& freeInput)
+{
+    freeInput = nullptr;
+    return false;
+}
+
+void OrvNgNode::setupNodeForInsertionIntoEdge(OrvNgEdge*)
+{
+}
+
+void OrvNgNode::processAutoinsert()
+{
+}
+
+OrvNgEdge* OrvNgNode::highlightedEdge() const
+{
+    return nullptr;
 }
 
 QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)

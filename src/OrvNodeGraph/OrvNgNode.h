@@ -52,6 +52,14 @@ public:
         ShapeRoundedHexagon = 8
     };
 
+    /// What a press on a node does to the selection, by the modifier keys held.
+    enum OrvNgSelectMode : int {
+        SelectReplace = 0, ///< neither Shift nor Control
+        SelectAdd = 1, ///< Shift
+        SelectRemove = 2, ///< Control
+        SelectToggle = 3 ///< both
+    };
+
     explicit OrvNgNode(QGraphicsItem* parent);
     ~OrvNgNode() override;
 
@@ -99,6 +107,8 @@ public:
     /// Destroys the node's own edges, frees the inputs it feeds and deletes the node later, from the event
     /// loop. Silent: the host asked for it. A second call does nothing.
     virtual void destroy();
+    /// destroy() was called, or the destructor runs: nothing may be connected to it any more.
+    bool isBeingDeleted() const { return m_IsDestroyed || m_IsDying; }
     /// Moves other to this node's place and hands all connections over to it, by name where it can and by
     /// order otherwise; each changed input is notified. This node stays. Null is reported.
     virtual void replace(OrvNgNode* other);
@@ -123,6 +133,16 @@ public:
     /// The user clicked the dotable marker of an edge that leaves this node; null when the marker does not
     /// stand on an edge.
     virtual void notifyEdgeDotableMarkerIsClicked(OrvNgEdge* edge);
+
+    // Wiring rules of the host, asked before a user-made change
+
+    /// Whether an input of this node may get its source from that output. False refuses the drop: nothing
+    /// changes, and notifyInputSourceRefused() follows. Menus of a drop leave refused inputs out. Not asked
+    /// by the setters that hosts call.
+    virtual bool acceptsInputSource(OrvNgNode* source, const QString& output, const QString& input);
+    /// A drop on an input of this node was refused; emits the signal of the same meaning.
+    virtual void notifyInputSourceRefused(
+        OrvNgNode* source, const QString& output, const QString& input);
 
     /// Recomputes the node brush from state and category; call it after changing either.
     virtual void setCorrectColor() { }
@@ -247,6 +267,27 @@ public:
     /// Remembers the scene position for the undo step of a move.
     void savePosition();
     QPointF previousPosition() { return m_PreviousPosition; }
+    /// Shift and Control decide; other keys are not looked at.
+    static OrvNgSelectMode resolveSelectionMode(const QFlags<Qt::KeyboardModifier>& modifiers);
+
+    // Inserting a node into an edge: the host calls these when a drag or a drop ends
+
+    /// Whether the node could be put into some edge: the view allows it, an input is free (freeInput, null
+    /// otherwise) and the node has an output.
+    bool canBeInsertedIntoAnEdge(OrvNgEdge*& freeInput);
+    /// For a node that is dropped onto an edge by other means than a drag: inserts it at once where it can.
+    void setupNodeForInsertionIntoEdge(OrvNgEdge* edge);
+    /// Inserts the node into the edge that the drag highlighted, if there is one and the node could be
+    /// inserted when it was pressed.
+    void processAutoinsert();
+    /// The edge into which the node under the mouse would go; null when there is none.
+    OrvNgEdge* highlightedEdge() const;
+
+    // Frames: a node that takes other nodes in while they are dragged over it
+
+    virtual bool isBackdrop() const { return false; }
+    virtual void hightlightBackdropForNodeInsert() { }
+    virtual void unHightlightBackdropForNodeInsert() { }
 
     // QGraphicsItem
 
@@ -260,6 +301,8 @@ Q_SIGNALS:
     /// A move command placed the node, in its parent's coordinates.
     void posChanged(const QPointF& pos);
     void inputSourceChanged(OrvNgNode* node, QString output, QString input);
+    /// A user-made change was refused by acceptsInputSource() of this node.
+    void inputSourceRefused(OrvNgNode* source, QString output, QString input);
     void nodePortListModeChanged(int mode);
     void clickedOnDotableMarkerOnEdge(OrvNgEdge* edge);
 

@@ -59,6 +59,17 @@ OrvNgPort* OrvNgPortList::shownPortUnderPos(const QPointF& scenePos) const
     return nullptr;
 }
 
+OrvNgPort* OrvNgPortList::shownPortAround(const QPointF& scenePos) const
+{
+    OrvNgPort* port = shownPortUnderPos(scenePos);
+    for (int i = 0; !port && i < m_Layout->count(); ++i) {
+        OrvNgPort* candidate = portAt(i);
+        if (candidate && candidate->isShown() && candidate->sceneBoundingRect().contains(scenePos))
+            port = candidate;
+    }
+    return port;
+}
+
 QStringList OrvNgPortList::ordinaryNames() const
 {
     QStringList names;

@@ -36,6 +36,8 @@ public:
     OrvNgPort* attachingPort(const QString& name, OrvNgExtendedNode::PortListMode mode) const;
     /// The topmost shown port whose square contains a point; null when there is none.
     OrvNgPort* shownPortUnderPos(const QPointF& scenePos) const;
+    /// The same, else the first shown port whose row, text included, lies under the point.
+    OrvNgPort* shownPortAround(const QPointF& scenePos) const;
     /// The ports that stand for a single point each, from top to bottom.
     QStringList ordinaryNames() const;
 

@@ -38,6 +38,13 @@ public:
         NavigationMinimap = 4
     };
 
+    /// What the moving mouse leaves behind.
+    enum OrvCursorTrackingMode : int {
+        CURSOR_TRACKING_NONE = 0,
+        CURSOR_TRACKING_SEVER_EDGES = 1, ///< a drag draws a path that cuts edges
+        CURSOR_TRACKING_SHAKE = 2 ///< a node is dragged; quick reversals are counted
+    };
+
     explicit OrvNgView(QWidget* parent);
     ~OrvNgView() override;
 
@@ -63,7 +70,23 @@ public:
     /// Width divided by height of the widget.
     float aspect() const;
 
+    // Editing
+
+    /// False keeps dragged nodes from being inserted into edges.
+    virtual bool isAutoInsertOn() { return true; }
+    /// Off unless switched on: whether shaking a dragged node is noticed.
+    void setShakeDetectionEnabled(bool enabled) { m_ShakeDetectionEnabled = enabled; }
+    bool isShakeDetectionEnabled() const { return m_ShakeDetectionEnabled; }
+
+Q_SIGNALS:
+    /// The node that is being dragged was shaken: the host takes it out of its connections.
+    void shakeToExtractTriggered();
+
 public Q_SLOTS:
+    /// Picks an edge up at a port under a viewport position, or drops the edge that is carried.
+    void pickUpEdge(const QPoint&) { }
+    /// The same at the cursor.
+    void pickUpEdge() { }
     /// Nodes have come, gone, moved or changed size: the node bounds follow 50 ms after the last
     /// call.
     void contentsChanged();
@@ -87,6 +110,7 @@ public Q_SLOTS:
     double onePixelInSceneSpace() const { return m_OnePixelInSceneSpace; }
 
 protected Q_SLOTS:
+    void setCursorTrackingMode(OrvCursorTrackingMode) { }
     /// One step of scrolling while a node or an edge is dragged near the border.
     void autoScroll();
     /// Fits the scene rectangle to the visible area and the node bounds; nothing moves on the
@@ -152,6 +176,7 @@ private:
     float m_ZoomPressScale = 1.0F; ///< m11 of the view's transform
     bool m_GridEnabled = false;
     QTimer m_AutoScrollTimer;
+    bool m_ShakeDetectionEnabled = false;
 
 protected:
     /// "Quill" or "Harbor"; a derived class may set it.
