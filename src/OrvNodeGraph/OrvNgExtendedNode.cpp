@@ -93,6 +93,7 @@ void OrvNgExtendedNode::buildItems()
     m_MainLayout = new OrvNgFaceLayout;
 
     m_Header = std::make_unique<OrvNgNodeHeader>(*this, *m_MainWidget);
+    setInsertionProbe(m_Header->autoInsertMarker());
     m_MainLayout->addItem(&m_Header->widget());
     m_Outputs = std::make_unique<OrvNgPortList>(
         OrvNgPortList::Side::Outputs, *m_MainLayout, kPortListMargin, 0.0);
@@ -952,12 +953,16 @@ QVariant OrvNgExtendedNode::itemChange(GraphicsItemChange change, const QVariant
 
 void OrvNgExtendedNode::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton) {
-        bool isOutput = false;
-        if (OrvNgEdge* edge = edgeForPortUnderPos(event->scenePos(), &isOutput)) {
-            event->accept();
-            pullOutEdge(edge, event->scenePos(), isOutput);
-        }
-    }
-    OrvNgNode::mousePressEvent(event);
+    const QPointer<OrvNgExtendedNode> self(this);
+    bool isOutput = false;
+    OrvNgEdge* edge = event->button() == Qt::LeftButton
+        ? edgeForPortUnderPos(event->scenePos(), &isOutput)
+        : nullptr;
+    if (edge)
+        pullOutEdge(edge, event->scenePos(), isOutput);
+    // A press on a port selects as one on the rest of the node does.
+    if (self)
+        OrvNgNode::mousePressEvent(event);
+    if (edge)
+        event->accept(); // also when this node cannot be selected: the edge holds the mouse now
 }

@@ -9,14 +9,10 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "OrvNodeGraph/OrvNgView.h"
 
-#include "OrvCoreModules/OrvShaderNetworkManager.h"
-
 #include <QGraphicsScene>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPen>
-
-#include <cmath>
 
 namespace {
 
@@ -32,9 +28,6 @@ constexpr int kLineReplace = 890;
 constexpr int kMaxTextLength = 128;
 constexpr double kSelectedOutlineWidth = 4.0; // screen pixels; the body hides the inner half
 constexpr double kHoveredOutlineWidth = 2.0;
-
-// Beyond this a scene rectangle no longer fits the integers of scroll bars and paint engines.
-constexpr double kMaxCoordinate = 1e8;
 
 void reportBadIndex(int line)
 {
@@ -57,14 +50,6 @@ QRectF childrenBounds(const QGraphicsItem* item)
     QRectF bounds;
     uniteChildren(item, QTransform(), bounds);
     return bounds;
-}
-
-// Snaps a coordinate so that it, moved by half the body's extent, lies on a grid line; halves go up.
-double snapped(double value, int half, int gridStep)
-{
-    const qint64 step = qMax(gridStep, 1);
-    const auto line = static_cast<qint64>(std::floor((half + value) / double(step) + 0.5));
-    return double(line * step - half);
 }
 
 QPen outlinePen(const QColor& color, double width)
@@ -111,6 +96,7 @@ void OrvNgNode::aboutToBeDestroyed()
         return;
     dropSelection();
     setHovered(false);
+    cancelDrag();
     m_IsDying = true;
     if (scene() && scene()->mouseGrabberItem() == this)
         ungrabMouse();
@@ -266,6 +252,7 @@ void OrvNgNode::destroy()
     if (m_IsDestroyed)
         return;
     m_IsDestroyed = true;
+    cancelDrag();
     const QList<OrvNgEdge*> inputs = m_Inputs;
     for (OrvNgEdge* edge : inputs)
         edge->destroy();
@@ -816,43 +803,7 @@ OrvNgEdge* OrvNgNode::temporaryOutputEdge()
     return m_TemporaryOutputEdge;
 }
 
-// Moves and changes
-
-void OrvNgNode::savePosition()
-{
-    m_PreviousPosition = scenePos();
-}
-
-OrvNgNode::OrvNgSelectMode OrvNgNode::resolveSelectionMode(
-    const QFlags<Qt::KeyboardModifier>& modifiers)
-{
-    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
-    const bool control = modifiers.testFlag(Qt::ControlModifier);
-    if (shift && control)
-        return SelectToggle;
-    if (shift)
-        return SelectAdd;
-    return control ? SelectRemove : SelectReplace;
-}
-
-bool OrvNgNode::canBeInsertedIntoAnEdge(OrvNgEdge*& freeInput)
-{
-    freeInput = nullptr;
-    return false;
-}
-
-void OrvNgNode::setupNodeForInsertionIntoEdge(OrvNgEdge*)
-{
-}
-
-void OrvNgNode::processAutoinsert()
-{
-}
-
-OrvNgEdge* OrvNgNode::highlightedEdge() const
-{
-    return nullptr;
-}
+// Changes of the item
 
 QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
 {
@@ -861,8 +812,11 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
     switch (change) {
     case ItemPositionChange:
         return QGraphicsItem::itemChange(change, positionChange(value));
-    case ItemChildAddedChange:
     case ItemChildRemovedChange:
+        if (value.value<QGraphicsItem*>() == m_InsertionProbe)
+            m_InsertionProbe = nullptr;
+        Q_FALLTHROUGH();
+    case ItemChildAddedChange:
         holdBoundsForChange();
         m_BoundsDirty = true;
         notifySceneOfChange();
@@ -871,6 +825,8 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
         notifySceneOfChange();
         break;
     case ItemSceneHasChanged:
+        if (!scene())
+            cancelDrag();
         followScene();
         notifySceneOfChange();
         break;
@@ -890,23 +846,6 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
         break;
     }
     return QGraphicsItem::itemChange(change, value);
-}
-
-QVariant OrvNgNode::positionChange(const QVariant& value)
-{
-    const QPointF wanted = value.toPointF();
-    if (!std::isfinite(wanted.x()) || !std::isfinite(wanted.y()))
-        return pos();
-    const QPointF inReach(qBound(-kMaxCoordinate, wanted.x(), kMaxCoordinate),
-        qBound(-kMaxCoordinate, wanted.y(), kMaxCoordinate));
-
-    const OrvShaderNetworkManager* grid = OrvShaderNetworkManager::instance();
-    if (!grid->snapToGrid())
-        return inReach;
-    const int halfWidth = int(nodeShapeRect().width() * 0.5);
-    const int halfHeight = int(OrvNgStyle::instance().getNodeHeight() * 0.5F);
-    return QPointF(snapped(inReach.x(), halfWidth, grid->gridWidth()),
-        snapped(inReach.y(), halfHeight, grid->gridHeight()));
 }
 
 void OrvNgNode::followSelection(bool selected)
@@ -944,11 +883,23 @@ void OrvNgNode::followScene()
 
 void OrvNgNode::notifySceneOfChange()
 {
-    if (!scene())
-        return;
-    const QList<QGraphicsView*> views = scene()->views();
-    if (auto* view = views.isEmpty() ? nullptr : qobject_cast<OrvNgView*>(views.constFirst()))
+    if (OrvNgView* view = firstView())
         view->contentsChanged();
+}
+
+// The first view of the node's scene; null without one, and when it is not ours.
+OrvNgView* OrvNgNode::firstView() const
+{
+    if (!scene())
+        return nullptr;
+    const QList<QGraphicsView*> views = scene()->views();
+    return views.isEmpty() ? nullptr : qobject_cast<OrvNgView*>(views.constFirst());
+}
+
+bool OrvNgNode::isAutoInsertOn() const
+{
+    OrvNgView* view = firstView();
+    return !view || view->isAutoInsertOn();
 }
 
 // Painting

@@ -13,6 +13,7 @@
 #include <QStringList>
 
 class OrvNgEdge;
+class OrvNgView;
 class QLinearGradient;
 class QPixmap;
 
@@ -27,11 +28,15 @@ class QPixmap;
 /// "_System" is looked up as "System". setCategory() and the colour setters only store: the caller follows
 /// with setCorrectColor().
 ///
+/// Mouse: a press selects, by the modifier keys held; a drag moves all selected nodes, unless the press left
+/// the pressed one unselected. While it is dragged, the node marks the edge and the frame that would take
+/// it in; only the host acts on that, when the drag ends (processAutoinsert()).
+///
 /// A concrete class begins its destructor with aboutToBeDestroyed(), so that the host's slots still find
 /// a whole node.
 ///
 /// Called by  the host, OrvNgView (hover, selection), OrvNgEdge (positions, lists).
-/// Uses       OrvNgStyle, OrvNgEdge, OrvNgNodeShape, OrvNgNodeBrush.
+/// Uses       OrvNgStyle, OrvNgEdge, OrvNgNodeShape, OrvNgNodeBrush, OrvNgNodeInsertion.
 /// Tells      the host through signals and the notify… hooks, its edges, the first view of its scene.
 class ORVNODEGRAPH_EXPORT OrvNgNode : public OrvSerializableObject, public QGraphicsItem
 {
@@ -280,7 +285,8 @@ public:
     /// Inserts the node into the edge that the drag highlighted, if there is one and the node could be
     /// inserted when it was pressed.
     void processAutoinsert();
-    /// The edge into which the node under the mouse would go; null when there is none.
+    /// The edge into which the dragged node would go. It stays highlighted after the release, for the host
+    /// to decide, until the next press; null when there is none.
     OrvNgEdge* highlightedEdge() const;
 
     // Frames: a node that takes other nodes in while they are dragged over it
@@ -324,6 +330,23 @@ protected:
     virtual QColor hoveredOutlineColor();
 
     QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
+    bool sceneEvent(QEvent* event) override;
+    void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
+
+    /// A left press that selects.
+    bool isSelectMousePressEvent(QGraphicsSceneMouseEvent* event) const;
+    /// A left release at the very point of the press: a click.
+    bool isSelectMouseReleaseEvent(QGraphicsSceneMouseEvent* event) const;
+    /// The mode of the last left press.
+    OrvNgSelectMode selectionMode() const { return m_SelectionMode; }
+
+    /// The child whose shape finds the edge under a dragged node; hidden ones serve too. Null: no edge is
+    /// ever highlighted. An item that is not a child of this node is reported and ignored.
+    void setInsertionProbe(QGraphicsItem* probe);
+    /// Inserts the node into the highlighted edge, whether or not it could be inserted when it was pressed.
+    void insertThisNodeIntoHighlightedEdge();
 
     bool hasState(StateFlag flag) const { return (m_StateFlags & flag) != 0; }
     void setState(StateFlag flag, bool on);
@@ -331,6 +354,9 @@ protected:
     void showState(StateFlag flag, bool on);
     bool isDebug() const { return hasState(StateDebug); }
     const QColor& debugColor() const { return m_DebugColor; }
+    /// The colours of setNodeColor(), for the top and the bottom of the body.
+    const QColor& nodeColor() const { return m_NodeColor; }
+    const QColor& nodeColor2() const { return m_NodeColor2; }
     /// The brush for the node's present states, category and own colours.
     QBrush resolvedBrush();
 
@@ -359,12 +385,23 @@ private:
     void registerInputEdge(OrvNgEdge* edge);
     void registerOutputEdge(OrvNgEdge* edge);
 
+    OrvNgView* firstView() const;
+    bool isAutoInsertOn() const;
+
     QVariant positionChange(const QVariant& value);
     void holdBoundsForChange();
     void followSelection(bool selected);
     void followScene();
     void showOrHideEdges();
     void dropSelection();
+
+    void pressSelects(OrvNgSelectMode mode);
+    void startDrag();
+    void cancelDrag();
+    void highlightEdge(OrvNgEdge* edge);
+    void highlightBackdrop(OrvNgNode* backdrop);
+    OrvNgEdge* inputForInsertion();
+
     OrvNgEdge* addToScene(OrvNgEdge* edge);
     void refreshInputTexts();
     void refreshOutputTexts();
@@ -376,7 +413,15 @@ private:
     QPointer<OrvNgEdge> m_VirtualInputEdge;
     QStringList m_OutputPoints;
     bool m_GuiActive = true;
-    QPointF m_PreviousPosition;
+    QPointF m_PreviousPosition; ///< scene coordinates
+    OrvNgSelectMode m_SelectionMode = SelectReplace;
+    QGraphicsItem* m_InsertionProbe = nullptr; ///< a child
+    QPointer<OrvNgEdge> m_HighlightedEdge;
+    bool m_CanAutoInsert = false;
+    QPointer<OrvNgEdge> m_FreeInputEdge; ///< the input free at the press
+    QPointer<OrvNgNode> m_HighlightedBackdrop;
+    bool m_LeftButtonHeld = false; ///< since a press on this node
+    bool m_MayDrag = true; ///< false after a press that left the node unselected or a drag cut off
     int m_SelectionId = -1;
     OrvNgConnectionTable m_InputTable;
     OrvNgConnectionTable m_OutputTable;

@@ -61,6 +61,11 @@ OrvNgNodeHeader::OrvNgNodeHeader(OrvNgExtendedNode& node, QGraphicsWidget& mainW
     m_Title->setBrush(OrvNgStyle::instance().getNodeTextBrush());
 }
 
+QGraphicsItem* OrvNgNodeHeader::autoInsertMarker() const
+{
+    return m_AutoInsertMarker;
+}
+
 bool OrvNgNodeHeader::isShown(const QGraphicsItem& item) const
 {
     return item.isVisibleTo(&m_Node);

@@ -30,6 +30,8 @@ public:
 
     QGraphicsWidget& widget() const { return *m_Widget; }
     OrvNgNodeHeaderButton& button() const { return *m_Button; }
+    /// Finds the edge into which the dragged node would go; never shown.
+    QGraphicsItem* autoInsertMarker() const;
 
     /// True when the title was another one.
     bool setTitle(const QString& title);

@@ -487,6 +487,12 @@ private Q_SLOTS:
         QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::NoModifier, onInput);
         QVERIFY(edge->isGrabbedFromPort() && !edge->isGrabbed());
         QCOMPARE(rig.m_Scene.mouseGrabberItem(), edge);
+        QVERIFY(rig.m_Node->isSelected());
+        const QPointF nodePos = rig.m_Node->pos();
+        QMouseEvent move(QEvent::MouseMove, onInput + QPoint(90, 40), Qt::NoButton, Qt::LeftButton,
+            Qt::NoModifier);
+        QApplication::sendEvent(view.viewport(), &move);
+        QCOMPARE(rig.m_Node->pos(), nodePos);
         edge->releaseMouse(QPoint(), QPointF(), true);
         if (QGraphicsItem* grabber = rig.m_Scene.mouseGrabberItem())
             grabber->ungrabMouse();

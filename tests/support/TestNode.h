@@ -36,6 +36,7 @@ public:
     }
 
     using OrvNgNode::elidedText;
+    using OrvNgNode::setInsertionProbe;
     using OrvNgNode::setNodeBrush;
     using OrvNgNode::updateBounds;
 

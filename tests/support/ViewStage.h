@@ -27,6 +27,10 @@ public:
     using OrvNgView::m_NavigationScheme;
     using OrvNgView::setNewSceneRect;
 
+    bool isAutoInsertOn() override { return m_AutoInsert; }
+
+    bool m_AutoInsert = true;
+
     QPointF center() { return viewportInSceneCoords().center(); }
     double scaleNow() const { return transform().m11(); }
     QPoint scrolled() const
@@ -73,9 +77,9 @@ struct ViewStage
     {
         mouse(QEvent::MouseMove, pos, Qt::NoButton, held, modifiers);
     }
-    void release(const QPoint& pos, Qt::MouseButton button)
+    void release(const QPoint& pos, Qt::MouseButton button, int modifiers = 0)
     {
-        mouse(QEvent::MouseButtonRelease, pos, button, Qt::NoButton);
+        mouse(QEvent::MouseButtonRelease, pos, button, Qt::NoButton, modifiers);
     }
     bool wheel(int x, int y)
     {
