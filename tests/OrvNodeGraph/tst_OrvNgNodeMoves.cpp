@@ -1,3 +1,4 @@
+#include "OrvNodeGraph/OrvNgDotNode.h"
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgNodePositionChangeUndo.h"
@@ -232,7 +233,8 @@ private Q_SLOTS:
         delete stage.m_Node;
         const QPointF middle = stage.middle(stage.m_Edge);
         auto* extended = new OrvNgExtendedNode(nullptr);
-        for (OrvNgNode* node : std::initializer_list<OrvNgNode*>{extended}) {
+        auto* dot = new OrvNgDotNode(nullptr);
+        for (OrvNgNode* node : std::initializer_list<OrvNgNode*>{extended, dot}) {
             stage.m_Scene.addItem(node);
             node->createInput(kIn, false, {});
             node->createOutputPoint(kOut, true);
