@@ -1,4 +1,4 @@
-// What a whole graph costs: building, painting, moving, hovering, deleting and keeping N extended nodes.
+// What a whole graph costs: building, painting, moving, hovering, selecting, deleting and keeping N extended nodes.
 //
 // The network: about sqrt(N) columns, four inputs and two outputs a node, inputs 0 and 1 wired to two nodes
 // of the previous column. The view is 1600 x 1000, antialiased, updated whole, on the raster engine.
@@ -92,14 +92,22 @@ public:
 
     OrvNgNode* middleNode() { return m_Nodes.at(m_Nodes.size() / 2); }
 
-    void moveMouse(const QPoint& viewPos)
+    void moveMouse(const QPoint& viewPos) { sendMouse(QEvent::MouseMove, viewPos, Qt::NoButton); }
+
+    /// In the corner, where nothing is when all is shown.
+    void beginBand() { sendMouse(QEvent::MouseButtonPress, QPoint(1, 1), Qt::LeftButton); }
+    void moveBand(const QPoint& viewPos) { sendMouse(QEvent::MouseMove, viewPos, Qt::LeftButton); }
+    int selectedCount() const { return m_Scene.selectedItems().size(); }
+
+private:
+    void sendMouse(QEvent::Type type, const QPoint& viewPos, Qt::MouseButton held)
     {
-        QMouseEvent event(QEvent::MouseMove, viewPos, m_View.viewport()->mapToGlobal(viewPos),
-            Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : held;
+        QMouseEvent event(type, viewPos, m_View.viewport()->mapToGlobal(viewPos), button, held,
+            Qt::NoModifier);
         QCoreApplication::sendEvent(m_View.viewport(), &event);
     }
 
-private:
     static QString inputName(int i) { return QStringLiteral("input%1").arg(i); }
     static QString outputName(int i) { return QStringLiteral("output%1").arg(i); }
 
@@ -175,6 +183,23 @@ void hoverMove(benchmark::State& state)
     int i = 0;
     for (auto _ : state) {
         graph.moveMouse(QPoint(400 + (i * 7) % 800, 300 + (i * 5) % 400));
+        ++i;
+    }
+}
+
+/// A band that holds all nodes but some at its end grows and shrinks by a few pixels.
+void moveBand(benchmark::State& state)
+{
+    Graph graph(int(state.range(0)));
+    graph.showAll();
+    graph.paint();
+    graph.beginBand();
+    graph.moveBand(QPoint(1580, 980));
+    if (graph.selectedCount() < state.range(0) / 2)
+        state.SkipWithError("the band selects too little");
+    int i = 0;
+    for (auto _ : state) {
+        graph.moveBand(QPoint(1580 - (i * 7) % 40, 980 - (i * 5) % 40));
         ++i;
     }
 }
@@ -262,6 +287,7 @@ int main(int argc, char** argv)
     addRow("repaint at scale 1, ms", repaintAtScaleOne, 50);
     addRow("move a node by a pixel and repaint, ms", moveNodeAndRepaint, 50);
     addRow("hover move, ms", hoverMove, 200);
+    addRow("move a band around all, ms", moveBand, 50);
     addRow("delete all, ms", deleteAllNodes, 1);
     addRow("memory a node, KB", memoryPerNode, 1);
 

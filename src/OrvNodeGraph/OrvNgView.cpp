@@ -1,9 +1,13 @@
 #include "OrvNodeGraph/OrvNgView.h"
 
+#include "OrvNodeGraph/OrvNgCursorPath.h"
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgGrid.h"
+#include "OrvNodeGraph/OrvNgGuardedItem.h"
 #include "OrvNodeGraph/OrvNgNavigation.h"
 #include "OrvNodeGraph/OrvNgNode.h"
+#include "OrvNodeGraph/OrvNgPort.h"
+#include "OrvNodeGraph/OrvNgRubberBand.h"
 #include "OrvNodeGraph/OrvNgSceneNodes.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 
@@ -31,6 +35,7 @@ constexpr int kAutoScrollStep = 10; // viewport pixels
 constexpr double kSmallestZoom = 0.07; // of zoomIn() and zoomOut(), both inclusive
 constexpr double kLargestZoom = 100.0;
 constexpr double kWheelFactor = 1.15;
+constexpr double kSeverPathWidth = 1.0; // viewport pixels
 constexpr double kFarthestCoordinate = 1e9; // scroll bars count in int
 
 bool isFinite(const QRectF& rect)
@@ -80,6 +85,8 @@ QMouseEvent asLeftButton(const QMouseEvent& event, QEvent::Type type, Qt::MouseB
 
 OrvNgView::OrvNgView(QWidget* parent)
     : QGraphicsView(parent)
+    , m_Band(std::make_unique<OrvNgRubberBand>())
+    , m_Path(std::make_unique<OrvNgCursorPath>())
     , m_Grid(std::make_unique<OrvNgGrid>())
     , m_RazorCursor(razorCursor())
 {
@@ -94,6 +101,7 @@ OrvNgView::OrvNgView(QWidget* parent)
         QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     // Without it a scene whose items ask for no hover events gets no moves while no button is held.
     viewport()->setMouseTracking(true);
+    m_Clock.start();
     connectServices();
 }
 
@@ -309,6 +317,10 @@ void OrvNgView::wheelEvent(QWheelEvent* event)
 {
     if (!scene())
         QGraphicsView::wheelEvent(event);
+    if (drawingEdgeSeverPath()) {
+        event->accept();
+        return;
+    }
     if (isNavigating()) {
         event->ignore();
         return;
@@ -368,41 +380,11 @@ bool OrvNgView::isNavigationQuill()
     return OrvNgNavigation::isQuill(m_NavigationScheme);
 }
 
-void OrvNgView::mousePressEvent(QMouseEvent* event)
-{
-    if (pressStartsNavigation(event))
-        return;
-    QGraphicsView::mousePressEvent(event);
-}
-
-/// The second press of a quick pair arrives here, and must start a navigation like any other.
-void OrvNgView::mouseDoubleClickEvent(QMouseEvent* event)
-{
-    if (pressStartsNavigation(event))
-        return;
-    QGraphicsView::mouseDoubleClickEvent(event);
-}
-
-void OrvNgView::mouseMoveEvent(QMouseEvent* event)
-{
-    followZoomDrag(event);
-    advanceWhileDragging(true);
-    QGraphicsView::mouseMoveEvent(event);
-}
-
-void OrvNgView::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (releaseEndsPan(event))
-        return;
-    endZoomDrag();
-    m_AutoScrollTimer.stop();
-    QGraphicsView::mouseReleaseEvent(event);
-}
-
 bool OrvNgView::pressStartsNavigation(QMouseEvent* event)
 {
     m_AutoScrollTimer.stop();
     cancelNavigation(); // another button may still hold one
+    cancelDragSelect();
     setInteractive(true);
     const OrvNgNavigation::Start start
         = OrvNgNavigation::startFor(event->button(), event->modifiers(), m_NavigationScheme);
@@ -535,6 +517,7 @@ void OrvNgView::enterEvent(QEvent*)
 void OrvNgView::leaveEvent(QEvent*)
 {
     setTabEnabled(false);
+    clearHover();
 }
 
 void OrvNgView::focusInEvent(QFocusEvent*)
@@ -546,6 +529,7 @@ void OrvNgView::focusOutEvent(QFocusEvent*)
 {
     setTabEnabled(false);
     cancelNavigation();
+    endEditing();
 }
 
 // Showing and resizing
@@ -562,6 +546,8 @@ void OrvNgView::showEvent(QShowEvent* event)
 void OrvNgView::hideEvent(QHideEvent* event)
 {
     cancelNavigation();
+    endEditing();
+    giveUpLostGrab();
     m_AutoScrollTimer.stop();
     QGraphicsView::hideEvent(event);
 }
@@ -601,6 +587,36 @@ void OrvNgView::paintEvent(QPaintEvent* event)
 {
     m_OnePixelInSceneSpace = calcOnePixelInSceneSpace();
     QGraphicsView::paintEvent(event);
+    if (drawingEdgeSeverPath())
+        paintSeverPath();
+    if (m_Band->isActive())
+        paintBand();
+}
+
+void OrvNgView::paintSeverPath()
+{
+    if (m_Path->points().size() < 2)
+        return;
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(OrvNgStyle::instance().getSeveredEdgeColor(), kSeverPathWidth));
+    painter.drawPath(cursorPainterPath(m_Path->points(), true));
+}
+
+void OrvNgView::paintBand()
+{
+    QPainter painter(viewport());
+    m_Band->paint(&painter, viewport());
+}
+
+void OrvNgView::updateViewportRect(const QRect& rect)
+{
+    if (!rect.isValid() || viewportUpdateMode() == QGraphicsView::NoViewportUpdate)
+        return;
+    if (viewportUpdateMode() == QGraphicsView::FullViewportUpdate)
+        viewport()->update();
+    else
+        viewport()->update(OrvNgRubberBand::region(rect, viewport()));
 }
 
 void OrvNgView::drawBackground(QPainter* painter, const QRectF& rect)

@@ -3,13 +3,20 @@
 #include "OrvNodeGraph/OrvNodeGraphExport.h"
 
 #include <QCursor>
+#include <QElapsedTimer>
 #include <QGraphicsView>
+#include <QPointer>
 #include <QTimer>
 
 #include <memory>
 
+class OrvNgCursorPath;
+class OrvNgEdge;
 class OrvNgGrid;
+class OrvNgGuardedItem;
 class OrvNgNode;
+class OrvNgPort;
+class OrvNgRubberBand;
 
 /// The widget in which the user looks at the graph and edits it. The host sets its own scene, then
 /// calls init().
@@ -21,10 +28,17 @@ class OrvNgNode;
 /// "Harbor", says which button and modifiers start them. A zoom that would leave the view without a
 /// usable transform is not made, and points and rectangles that are not finite are ignored.
 ///
+/// Editing: a press that starts no navigation goes to the items. On empty space it begins a rubber
+/// band, whose effect on the selection the modifiers decide (OrvNgNode::OrvNgSelectMode). The view
+/// also hovers what is under the cursor, cuts edges along a drawn path, and notices when a dragged
+/// node is shaken. All of it ends when the view loses the focus, is hidden or gets another scene;
+/// only the tracking mode CURSOR_TRACKING_SEVER_EDGES stays until the host leaves it.
+///
 /// Called by  the host (actions, fit, centre), OrvNgNode (changes, length of a pixel).
-/// Uses       OrvNgNavigation for its rules, OrvNgGrid, OrvNgStyle and the host's grid settings
-///            to paint.
-/// Tells      the host's shortcuts whether Tab belongs to the graph.
+/// Uses       OrvNgNavigation, OrvNgSelectionRule and OrvNgShakeDetector for its rules, OrvNgGrid,
+///            OrvNgRubberBand, OrvNgStyle and the host's grid settings to paint, OrvUndoManager.
+/// Tells      the host's shortcuts whether Tab belongs to the graph, nodes, ports and edges that
+///            they are hovered, edges that they are cut, the host that a node was shaken.
 class ORVNODEGRAPH_EXPORT OrvNgView : public QGraphicsView
 {
     Q_OBJECT
@@ -72,6 +86,15 @@ public:
 
     // Editing
 
+    /// The topmost node, edge and port at a viewport position, null where there is none. Null
+    /// arguments are not looked for.
+    void itemsUnderPos(const QPoint& pos, OrvNgNode** node, OrvNgEdge** edge, OrvNgPort** port);
+    /// Moves an item so that its origin lies under a viewport position. Null is reported.
+    void setPosByViewportPos(QGraphicsItem* item, const QPoint& pos);
+    /// Orders nodes as they were selected; other items come after them, null last.
+    static bool OrvNgSelectionIdSorter(const QGraphicsItem* a, const QGraphicsItem* b);
+    /// Repaints a part of the viewport, or all of it where the update mode asks for that.
+    void updateViewportRect(const QRect& rect);
     /// False keeps dragged nodes from being inserted into edges.
     virtual bool isAutoInsertOn() { return true; }
     /// Off unless switched on: whether shaking a dragged node is noticed.
@@ -83,13 +106,13 @@ Q_SIGNALS:
     void shakeToExtractTriggered();
 
 public Q_SLOTS:
-    /// Picks an edge up at a port under a viewport position, or drops the edge that is carried.
-    void pickUpEdge(const QPoint&) { }
-    /// The same at the cursor.
-    void pickUpEdge() { }
     /// Nodes have come, gone, moved or changed size: the node bounds follow 50 ms after the last
     /// call.
     void contentsChanged();
+    /// Picks an edge up at the port under the cursor, or drops the edge that is carried.
+    void pickUpEdge();
+    /// The same at a viewport position.
+    void pickUpEdge(const QPoint& LocalPos);
     /// One zoom step about Anchor. Steps that would leave a scale of 0.07 to 100 are not made, and
     /// factors that are not positive and finite are ignored.
     void zoomIn(double scaleFactor = 1.2,
@@ -110,7 +133,6 @@ public Q_SLOTS:
     double onePixelInSceneSpace() const { return m_OnePixelInSceneSpace; }
 
 protected Q_SLOTS:
-    void setCursorTrackingMode(OrvCursorTrackingMode) { }
     /// One step of scrolling while a node or an edge is dragged near the border.
     void autoScroll();
     /// Fits the scene rectangle to the visible area and the node bounds; nothing moves on the
@@ -120,13 +142,47 @@ protected Q_SLOTS:
     void setNewSceneRect(const QPointF& SceneCenter);
     void calculateVisibleNodesBoundingRect();
 
+    // Cutting: paths are scene points; those that are not finite are left out
+
+    QPainterPath cursorPainterPath(const QList<QPointF>& Path, bool InViewportSpace);
+    /// Scene bounds of a path; null for fewer than two points. Deliberate: they reach to the right
+    /// of the points, by Margin and then by twice Margin, and up and down by Margin.
+    QRectF cursorPathBounds(const QList<QPointF>& Path, double Margin = 0);
+    /// The same in viewport pixels.
+    QRect viewportCursorPathBounds(const QList<QPointF>& Path, double Margin = 0);
+    /// The edges that a path crosses and the user may change, topmost first.
+    QList<OrvNgEdge*> edgesCrossingPath(const QList<QPointF>& Path);
+    /// Disconnects those edges, in one undo step.
+    void severEdgesAlongPath(const QList<QPointF>& Path);
+    /// The host enters and leaves CURSOR_TRACKING_SEVER_EDGES, for instance while a key is held.
+    /// What has been tracked is dropped.
+    void setCursorTrackingMode(OrvCursorTrackingMode Mode);
+
 protected:
+    OrvCursorTrackingMode cursorTrackingMode() { return m_CursorTrackingMode; }
+    /// A path that will cut edges has been begun and not ended.
+    bool drawingEdgeSeverPath() const;
+    QList<QGraphicsItem*> sortedBySelectionOrder(QList<QGraphicsItem*> items);
+    /// The selected items of the scene; none without a scene.
+    QList<QGraphicsItem*> sortedSelection();
+    /// The items of a, then those of b that are not among them.
+    QList<QGraphicsItem*> mergeItemLists(QList<QGraphicsItem*> a, QList<QGraphicsItem*> b);
+    /// What was selected at the last press and still exists, then the other items.
+    QList<QGraphicsItem*> lastSelectionCombinedWith(QList<QGraphicsItem*> items);
+    /// Ends the rubber band; the selection stays as it is.
+    void cancelDragSelect();
+    /// Whether a selectable item that the rubber band reaches counts as inside it. The band is in
+    /// scene coordinates. The answer may depend only on how the two meet.
+    virtual bool canBandSelect(QGraphicsItem* item, const QPolygonF& band) const;
+
     /// Zooms by a factor about the transformation anchor, within the limits of zoomIn().
     void scaleView(double scaleFactor);
     /// Scrolls by one step towards each border that the cursor is near or beyond. node is not used.
     void autoScrollAdvance(OrvNgNode* node, bool restartTimer);
     /// The length of one viewport pixel along the view's x axis in scene units, now.
     double calcOnePixelInSceneSpace() const;
+    /// "Quill" or "Harbor"; with any other name only what both share navigates.
+    void setNavigationSchemeName(const QString& name) { m_NavigationScheme = name; }
     bool isNavigationHarbor();
     bool isNavigationQuill();
 
@@ -153,6 +209,33 @@ private:
 
     // Steps of the mouse handlers: those that return a bool say whether the event is dealt with
 
+    void press(QMouseEvent* event);
+    void pressWithRazor(QMouseEvent* event);
+    void rememberSelection(Qt::KeyboardModifiers modifiers);
+    void passPressToItems(QMouseEvent* event);
+    bool pressHoldsNode(const QMouseEvent* event);
+    void pressOnEmptySpace(QMouseEvent* event);
+    void trackCursor(const QPoint& viewPos);
+    bool moveDrawsSeverPath(QMouseEvent* event);
+    void detectShake();
+    void followHover(const QPoint& viewPos);
+    bool moveDrawsBand(QMouseEvent* event);
+    bool releaseSeversEdges(QMouseEvent* event);
+    void passReleaseToItems(QMouseEvent* event);
+
+    void hoverPort(OrvNgPort* port);
+    void hoverEdge(OrvNgEdge* edge, const QPointF& scenePos);
+    void hoverNode(OrvNgNode* node);
+    void clearHover();
+    void markEdgesToSever(const QList<OrvNgEdge*>& edges);
+    QList<OrvNgEdge*> inStackingOrder(const QList<OrvNgEdge*>& edges);
+    void clearTracking();
+    void giveUpLostGrab();
+    void selectByBand(const QRect& before);
+    QList<QGraphicsItem*> itemsEnteringBand(const QRect& before);
+    void endEditing();
+    void noticeScene();
+
     bool pressStartsNavigation(QMouseEvent* event);
     bool releaseEndsPan(QMouseEvent* event);
     void startPan(QMouseEvent* event, Qt::KeyboardModifiers droppedModifiers);
@@ -162,6 +245,9 @@ private:
     void endZoomDrag();
     void cancelNavigation();
     bool isNavigating() const { return m_NavigationMode != NavigationNone; }
+
+    void paintSeverPath();
+    void paintBand();
 
     void scaleAboutAnchor(double factor);
     void centerWithinSceneRect(const QPointF& point);
@@ -176,7 +262,21 @@ private:
     float m_ZoomPressScale = 1.0F; ///< m11 of the view's transform
     bool m_GridEnabled = false;
     QTimer m_AutoScrollTimer;
+
+    QPointer<QGraphicsScene> m_EditedScene; ///< to which the state of editing belongs
+    QPointer<OrvNgNode> m_HoveredNode;
+    QPointer<OrvNgPort> m_HoveredPort;
+    QPointer<OrvNgEdge> m_HighlightedEdge;
+    std::unique_ptr<OrvNgRubberBand> m_Band;
+    QTransform m_BandTransform; ///< of the viewport when the band's items were last looked for
     bool m_ShakeDetectionEnabled = false;
+    bool m_PressGaveMouse = false; ///< to an item, which loses it with the release
+    QVector<OrvNgGuardedItem> m_SelectionAtPress; ///< in the order of selection
+    int m_SelectionMode = 0; ///< OrvNgNode::OrvNgSelectMode of the press
+    OrvCursorTrackingMode m_CursorTrackingMode = CURSOR_TRACKING_NONE;
+    std::unique_ptr<OrvNgCursorPath> m_Path;
+    QElapsedTimer m_Clock; ///< of the path
+    QList<QPointer<OrvNgEdge>> m_EdgesToSever; ///< marked while the path is drawn
 
 protected:
     /// "Quill" or "Harbor"; a derived class may set it.

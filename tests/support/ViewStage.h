@@ -23,9 +23,15 @@ public:
         resize(400, 200);
     }
     using OrvNgView::autoScrollAdvance;
+    using OrvNgView::cursorPathBounds;
+    using OrvNgView::cursorTrackingMode;
     using OrvNgView::drawBackground;
+    using OrvNgView::drawingEdgeSeverPath;
+    using OrvNgView::edgesCrossingPath;
     using OrvNgView::m_NavigationScheme;
+    using OrvNgView::setCursorTrackingMode;
     using OrvNgView::setNewSceneRect;
+    using OrvNgView::sortedSelection;
 
     bool isAutoInsertOn() override { return m_AutoInsert; }
 
@@ -80,6 +86,20 @@ struct ViewStage
     void release(const QPoint& pos, Qt::MouseButton button, int modifiers = 0)
     {
         mouse(QEvent::MouseButtonRelease, pos, button, Qt::NoButton, modifiers);
+    }
+    /// A press of the left button and moves, without the release.
+    void drag(const QList<QPoint>& way, int modifiers = 0)
+    {
+        press(way.first(), Qt::LeftButton, modifiers);
+        for (const QPoint& pos : way.mid(1))
+            move(pos, Qt::LeftButton, modifiers);
+    }
+    TestNode* add(const QString& text, const QPointF& scenePos, const QSizeF& size = {20, 20})
+    {
+        auto* node = new TestNode(text, size);
+        m_Scene.addItem(node);
+        node->setPos(scenePos);
+        return node;
     }
     bool wheel(int x, int y)
     {
