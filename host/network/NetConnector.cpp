@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -16,6 +17,23 @@ bool hasOpenOutputs(const NetNode& node)
 {
     return node.kind == NetNode::Kind::Node && !node.definition
         && node.type == QLatin1String("multioutput");
+}
+
+template <typename End> bool endsBefore(const End& a, const End& b)
+{
+    return std::make_pair(a.destNode, a.destPort) < std::make_pair(b.destNode, b.destPort);
+}
+
+template <typename End> void insertByEnd(QVector<End>* ends, const End& end)
+{
+    ends->insert(std::upper_bound(ends->begin(), ends->end(), end, endsBefore<End>), end);
+}
+
+template <typename End> void removeEnds(QVector<End>* ends, int nodeIndex)
+{
+    ends->erase(std::remove_if(ends->begin(), ends->end(),
+                    [nodeIndex](const End& end) { return end.destNode == nodeIndex; }),
+        ends->end());
 }
 
 } // namespace
@@ -37,6 +55,19 @@ void NetConnector::connectAll()
         }
         completeOutputs(&scope);
     }
+}
+
+void NetConnector::reconnect(NetScope* scope, int nodeIndex)
+{
+    disconnect(scope, nodeIndex);
+    for (int k = 0; k < scope->nodes.at(nodeIndex).inputs.size(); ++k)
+        connectInput(scope, nodeIndex, k);
+}
+
+void NetConnector::disconnect(NetScope* scope, int nodeIndex)
+{
+    removeEnds(&scope->connections, nodeIndex);
+    removeEnds(&scope->openEnds, nodeIndex);
 }
 
 bool NetConnector::wantedBy(const NetPort& port, Wanted* wanted)
@@ -68,15 +99,17 @@ void NetConnector::connectInput(NetScope* scope, int nodeIndex, int portIndex)
         return;
     const Source source = find(scope, wanted, port);
     if (source.node >= 0 && source.port >= 0) {
-        scope->connections.append(
-            {source.node, source.port, nodeIndex, portIndex, wanted.binding, port.line});
+        insertByEnd(&scope->connections,
+            NetConnection{
+                source.node, source.port, nodeIndex, portIndex, wanted.binding, port.line});
         return;
     }
     const auto reason = source.node >= 0 ? NetOpenEnd::Reason::Missing
                                          : reasonFor(*scope, scope->nodes.at(nodeIndex), wanted);
-    scope->openEnds.append(
-        {nodeIndex, portIndex, wanted.binding, reason, wanted.name, wanted.output, port.line});
-    report(*scope, scope->openEnds.constLast());
+    const NetOpenEnd end{
+        nodeIndex, portIndex, wanted.binding, reason, wanted.name, wanted.output, port.line};
+    insertByEnd(&scope->openEnds, end);
+    report(*scope, end);
 }
 
 NetConnector::Source NetConnector::find(NetScope* scope, const Wanted& wanted, const NetPort& dest)

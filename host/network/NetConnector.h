@@ -10,7 +10,7 @@
 /// Finds the source of every connected input, once all nodes are there: a node may stand before its
 /// source.
 ///
-/// Called by  NetReader.
+/// Called by  NetReader, NetEditor.
 /// Uses       NetScope.
 /// Tells      the reader what leads nowhere, by messages.
 class NetConnector
@@ -21,6 +21,10 @@ public:
     NetConnector(const Files& files, QVector<NetScope>* scopes, QVector<NetMessage>* messages);
 
     void connectAll();
+    /// Finds the sources of one node's inputs again, after an edit.
+    void reconnect(NetScope* scope, int nodeIndex);
+    /// Drops the connections and open ends of one node's inputs.
+    static void disconnect(NetScope* scope, int nodeIndex);
 
 private:
     struct Wanted

@@ -8,7 +8,7 @@ namespace {
 
 bool isOwn(const NetNode& node)
 {
-    return node.fileIndex == 0 && !node.implied;
+    return node.fileIndex == 0 && !node.implied && !node.removed;
 }
 
 int listedInputs(const NetNode& node)

@@ -28,7 +28,13 @@ QVector<int> NetDocument::scopeTrail(int scope) const
 int NetDocument::firstScope() const
 {
     const NetScope& top = documentScope();
-    const bool onlyOneGraph
-        = top.nodes.size() == 1 && top.nodes.constFirst().kind == NetNode::Kind::Graph;
-    return onlyOneGraph ? top.nodes.constFirst().innerScope : 0;
+    int only = 0;
+    for (const NetNode& node : top.nodes) {
+        if (node.removed)
+            continue;
+        if (only > 0 || node.kind != NetNode::Kind::Graph)
+            return 0;
+        only = node.innerScope;
+    }
+    return only;
 }

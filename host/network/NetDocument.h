@@ -11,7 +11,7 @@
 /// file, a nested one behind the one around it, and what includes brought in last. All of it is
 /// values; a reader makes it whole.
 ///
-/// Called by  the main window and the scene controller, which only read it.
+/// Called by  the main window and the scene controller, which only read it; NetEditor.
 /// Uses       NetScope, NetDefinitionLibrary, NetXmlFile.
 /// Tells      nobody.
 class NetDocument
@@ -19,7 +19,7 @@ class NetDocument
 public:
     /// Absolute path of the document.
     const QString& filePath() const { return m_Files.front()->path(); }
-    /// The file as read, unchanged; for saving with only the touched places written anew.
+    /// The document's own file with all edits; another object after each of them.
     const NetXmlFile& file() const { return *m_Files.front(); }
     /// The document's own file, then every included one in the order in which it was met.
     const std::vector<std::shared_ptr<const NetXmlFile>>& files() const { return m_Files; }
@@ -44,6 +44,7 @@ public:
 
 private:
     friend class NetReader;
+    friend class NetEditor;
 
     std::vector<std::shared_ptr<const NetXmlFile>> m_Files;
     QVector<NetScope> m_Scopes;

@@ -66,6 +66,8 @@ public:
 
     // Changes: made by their redo(). Null when a rule forbids one, or there is nothing to do
 
+    /// An input of a functional graph has no element that could hold a position: it stands there until the
+    /// document is closed, and the text does not change.
     ChangePtr moveNodes(int scope, const QVector<NetMove>& moves);
     /// Replaces the input's value or connection; lists the input if only the definition had it.
     ChangePtr connectInput(int scope, const NetPortRef& source, const NetPortRef& dest);
@@ -83,15 +85,24 @@ public:
     QByteArray text() const;
     /// Writes the text to a file, whole or not at all, and makes that file the document's. False with one
     /// sentence when it cannot be written: the old file is then untouched.
+    ///
+    /// A file that another program changed meanwhile is overwritten: ask changedOnDisk() first. Includes
+    /// with relative paths count from the new place; their text stays as it is, so a document that has
+    /// some should be saved in its own folder.
     bool save(const QString& path, QString* error);
+    /// True when the document's own file holds something else than what was read from it or saved to it
+    /// last, or cannot be read any more. False when it is gone: nothing would be overwritten.
+    bool changedOnDisk() const;
 
 Q_SIGNALS:
     /// The nodes' positions are now those of the scope.
     void nodesMoved(int scope, const QVector<int>& nodes);
     /// The connection of that input is now what the scope says.
     void inputChanged(int scope, int node, int port);
+    /// The node is there, new or again; inputChanged() follows for every connection it has.
     void nodeAdded(int scope, int node);
-    /// The node is marked as removed and nothing is connected to it.
+    /// The node is marked as removed and nothing is connected to it. Its consumers' inputChanged() came
+    /// before.
     void nodeRemoved(int scope, int node);
 
 private:

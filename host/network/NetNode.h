@@ -37,6 +37,8 @@ struct NetNode
     bool hasPosition = false; ///< both xpos and ypos are given and finite
     bool implied
         = false; ///< has no element: an input of a functional graph, known from its definition
+    bool removed
+        = false; ///< taken out by an edit; keeps its place in the list, and nothing is connected to it
     int innerScope
         = -1; ///< Graph: index of the scope inside, in NetDocument::scopes(); otherwise -1
     int fileIndex = 0; ///< index in NetDocument::files(); above 0 for what an include brought in

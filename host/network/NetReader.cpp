@@ -1,6 +1,7 @@
 #include "network/NetReader.h"
 
 #include "network/NetConnector.h"
+#include "network/NetPlacement.h"
 #include "network/NetScopeBuilder.h"
 
 #include <QCoreApplication>
@@ -88,13 +89,20 @@ private:
 
 NetReadResult NetReader::read(const QString& path) const
 {
-    NetReadResult result;
     NetMessage problem;
     const FilePtr file = NetXmlFile::load(path, &problem);
-    if (!file) {
-        result.messages.append(problem);
-        return result;
-    }
+    return file ? read(file, {}) : NetReadResult{nullptr, {problem}};
+}
+
+NetReadResult NetReader::read(const QString& path, const QByteArray& bytes) const
+{
+    NetMessage problem;
+    const FilePtr file = NetXmlFile::fromBytes(path, bytes, &problem);
+    return file ? read(file, {}) : NetReadResult{nullptr, {problem}};
+}
+
+NetReadResult NetReader::read(const FilePtr& file, NetReadResult result) const
+{
     IncludeWalk walk(m_SearchPath, &result.messages);
     if (!walk.follow(file))
         return result;
@@ -111,6 +119,8 @@ NetReadResult NetReader::read(const QString& path) const
     NetScopeBuilder builder(document->m_Files, document->m_Definitions, &result.messages);
     document->m_Scopes = builder.build();
     NetConnector(document->m_Files, &document->m_Scopes, &result.messages).connectAll();
+    for (NetScope& scope : document->m_Scopes)
+        NetPlacement::rememberUnit(&scope);
     result.document = document;
     return result;
 }

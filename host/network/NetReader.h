@@ -7,7 +7,7 @@
 struct NetReadResult
 {
     /// Null when an error is among the messages; otherwise complete.
-    std::shared_ptr<const NetDocument> document;
+    std::shared_ptr<NetDocument> document;
     /// In the order of the work: files, then definitions, then connections.
     QVector<NetMessage> messages;
 };
@@ -32,7 +32,11 @@ public:
     }
 
     NetReadResult read(const QString& path) const;
+    /// The same, as if the file at that path held those bytes; nothing need be there.
+    NetReadResult read(const QString& path, const QByteArray& bytes) const;
 
 private:
+    NetReadResult read(const std::shared_ptr<const NetXmlFile>& file, NetReadResult result) const;
+
     NetSearchPath m_SearchPath;
 };

@@ -2,6 +2,7 @@
 
 #include <QStringBuilder>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -32,24 +33,68 @@ int NetScope::indexOf(NetNode::Kind nodeKind, const QString& nodeName) const
 
 int NetScope::indexOfKey(const QString& key) const
 {
-    return m_Keys.value(key, -1);
+    const int position = m_Keys.value(key, -1);
+    return position >= 0 && nodes.at(position).removed ? -1 : position;
 }
 
 int NetScope::append(NetNode node)
 {
-    const auto first = indexKey(node.kind, node.name);
     const int position = nodes.size();
-    node.key = nodeKey(node.kind, node.name, ++m_Occurrences[first]);
+    const auto sameName = indexKey(node.kind, node.name);
+    node.key = nodeKey(node.kind, node.name, ++m_Occurrences[sameName]);
     m_Keys.insert(node.key, position);
-    if (!m_First.contains(first))
-        m_First.insert(first, position);
     nodes.append(std::move(node));
+    rememberName(position, nodes.constLast().name);
     return position;
 }
 
 void NetScope::addAlias(int nodeIndex, const QString& alias)
 {
-    const auto key = indexKey(nodes.at(nodeIndex).kind, alias);
+    m_Aliases.insert(nodeIndex, alias);
+    rememberName(nodeIndex, alias);
+}
+
+void NetScope::rememberName(int nodeIndex, const QString& nodeName)
+{
+    const auto key = indexKey(nodes.at(nodeIndex).kind, nodeName);
     if (!m_First.contains(key))
         m_First.insert(key, nodeIndex);
+}
+
+void NetScope::setRemoved(const QVector<int>& nodeIndices, bool removed)
+{
+    if (nodeIndices.isEmpty())
+        return;
+    for (const int each : nodeIndices)
+        nodes[each].removed = removed;
+    m_First.clear();
+    for (int i = 0; i < nodes.size(); ++i) {
+        if (nodes.at(i).removed)
+            continue;
+        rememberName(i, nodes.at(i).name);
+        const auto alias = m_Aliases.constFind(i);
+        if (alias != m_Aliases.cend())
+            rememberName(i, *alias);
+    }
+}
+
+int NetScope::connectionTo(int destNode, int destPort) const
+{
+    const auto wanted = std::make_pair(destNode, destPort);
+    const auto found = std::lower_bound(connections.cbegin(), connections.cend(), wanted,
+        [](const NetConnection& each, const std::pair<int, int>& end) {
+            return std::make_pair(each.destNode, each.destPort) < end;
+        });
+    const bool there
+        = found != connections.cend() && found->destNode == destNode && found->destPort == destPort;
+    return there ? static_cast<int>(found - connections.cbegin()) : -1;
+}
+
+int NetScope::boxOf(int innerScope) const
+{
+    for (int i = 0; i < nodes.size(); ++i) {
+        if (nodes.at(i).kind == NetNode::Kind::Graph && nodes.at(i).innerScope == innerScope)
+            return i;
+    }
+    return -1;
 }

@@ -70,24 +70,37 @@ public:
     NetDefinitionPtr definition; ///< functional graphs: what it implements; null when not found
     NetAttributes attributes; ///< of the nodegraph, or of the root element
     QString nameSpace; ///< in force for the elements inside; empty for none
-    QVector<NetNode> nodes; ///< in the order of the file; implied inputs first
-    QVector<NetConnection> connections; ///< in the order of the file's destinations
-    QVector<NetOpenEnd> openEnds;
+    QVector<NetNode> nodes; ///< as read, in the order of the file, implied inputs first; edits mark
+        ///< nodes as removed and add new ones at the end
+    QVector<NetConnection> connections; ///< by position of the destination
+    QVector<NetOpenEnd> openEnds; ///< by position of the destination
     QVector<NetBackdrop> backdrops;
+    bool inPixels = false; ///< unit of all file positions inside, decided once, when it was read
     int fileIndex = 0;
     int line = 0;
 
     /// Position of the first node of that kind and name; -1 when there is none.
     int indexOf(NetNode::Kind nodeKind, const QString& nodeName) const;
-    /// Position of the node with that key; -1 when there is none.
+    /// Position of the node with that key; -1 when there is none. Keys stay as they are for as long
+    /// as the document is open, so the second node of a name keeps its number when the first one is
+    /// removed.
     int indexOfKey(const QString& key) const;
     /// Adds a node, gives it its key and returns its position.
     int append(NetNode node);
     /// Makes the node also known by another name, unless the name is taken (for namespaces).
     void addAlias(int nodeIndex, const QString& alias);
+    /// Marks nodes as removed, or as there again. A removed one is found by no name and no key.
+    void setRemoved(const QVector<int>& nodeIndices, bool removed);
+    /// Position of the connection that ends there; -1 when there is none.
+    int connectionTo(int destNode, int destPort) const;
+    /// Position of the nodegraph's box whose inside is that scope; -1 when there is none.
+    int boxOf(int innerScope) const;
 
 private:
+    void rememberName(int nodeIndex, const QString& nodeName);
+
     QHash<QPair<int, QString>, int> m_First;
     QHash<QPair<int, QString>, int> m_Occurrences;
     QHash<QString, int> m_Keys;
+    QHash<int, QString> m_Aliases;
 };

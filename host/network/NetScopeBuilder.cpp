@@ -150,17 +150,38 @@ bool NetScopeBuilder::isTaken(pugi::xml_node element, int fileIndex)
 void NetScopeBuilder::addElement(
     int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace)
 {
+    if (qstrcmp(element.name(), "nodegraph") == 0)
+        addGraph(scopeIndex, element, fileIndex, nameSpace);
+    else if (isBox(element))
+        append(scopeIndex, read(element, m_Scopes.at(scopeIndex).kind, fileIndex, nameSpace),
+            nameSpace);
+    else if (qstrcmp(element.name(), "backdrop") == 0)
+        addBackdrop(scopeIndex, element, fileIndex);
+}
+
+bool NetScopeBuilder::isBox(pugi::xml_node element)
+{
+    const pugi::char_t* tag = element.name();
+    return element.type() == pugi::node_element
+        && (!isStructural(tag) || qstrcmp(tag, "input") == 0 || qstrcmp(tag, "output") == 0
+            || qstrcmp(tag, "nodegraph") == 0);
+}
+
+NetNode NetScopeBuilder::read(
+    pugi::xml_node element, NetScope::Kind around, int fileIndex, const QString& nameSpace)
+{
     const pugi::char_t* tag = element.name();
     if (qstrcmp(tag, "input") == 0)
-        addScopePort(scopeIndex, element, fileIndex, NetNode::Kind::Input);
-    else if (qstrcmp(tag, "output") == 0)
-        addScopePort(scopeIndex, element, fileIndex, NetNode::Kind::Output);
-    else if (qstrcmp(tag, "nodegraph") == 0)
-        addGraph(scopeIndex, element, fileIndex, nameSpace);
-    else if (qstrcmp(tag, "backdrop") == 0)
-        addBackdrop(scopeIndex, element, fileIndex);
-    else if (!isStructural(tag))
-        addNode(scopeIndex, element, fileIndex, nameSpace);
+        return scopePort(element, around, fileIndex, NetNode::Kind::Input);
+    if (qstrcmp(tag, "output") == 0)
+        return scopePort(element, around, fileIndex, NetNode::Kind::Output);
+    const bool graph = qstrcmp(tag, "nodegraph") == 0;
+    NetNode node = nodeFrom(element, fileIndex, graph ? NetNode::Kind::Graph : NetNode::Kind::Node);
+    node.inputs = listedPorts(file(fileIndex), element, "input");
+    node.outputs = listedPorts(file(fileIndex), element, "output");
+    if (!graph)
+        resolve(&node, element, nameSpace);
+    return node;
 }
 
 NetNode NetScopeBuilder::nodeFrom(pugi::xml_node element, int fileIndex, NetNode::Kind kind) const
@@ -187,16 +208,6 @@ int NetScopeBuilder::append(int scopeIndex, NetNode node, const QString& nameSpa
     const int position = m_Scopes[scopeIndex].append(std::move(node));
     m_Scopes[scopeIndex].addAlias(position, alias);
     return position;
-}
-
-void NetScopeBuilder::addNode(
-    int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace)
-{
-    NetNode node = nodeFrom(element, fileIndex, NetNode::Kind::Node);
-    node.inputs = listedPorts(file(fileIndex), element, "input");
-    node.outputs = listedPorts(file(fileIndex), element, "output");
-    resolve(&node, element, nameSpace);
-    append(scopeIndex, std::move(node), nameSpace);
 }
 
 void NetScopeBuilder::resolve(NetNode* node, pugi::xml_node element, const QString& nameSpace)
@@ -249,8 +260,8 @@ void NetScopeBuilder::reportUnresolved()
 }
 
 // One port is the scope's side: an input feeds the nodes, an output takes one connection.
-void NetScopeBuilder::addScopePort(
-    int scopeIndex, pugi::xml_node element, int fileIndex, NetNode::Kind kind)
+NetNode NetScopeBuilder::scopePort(
+    pugi::xml_node element, NetScope::Kind around, int fileIndex, NetNode::Kind kind) const
 {
     NetNode node = nodeFrom(element, fileIndex, kind);
     const NetPort port = file(fileIndex).port(element);
@@ -258,10 +269,10 @@ void NetScopeBuilder::addScopePort(
         node.inputs.append(port);
     } else {
         node.outputs.append(port);
-        if (m_Scopes.at(scopeIndex).kind == NetScope::Kind::Document && port.isConnected())
+        if (around == NetScope::Kind::Document && port.isConnected())
             node.inputs.append(port);
     }
-    append(scopeIndex, std::move(node), m_Scopes.at(scopeIndex).nameSpace);
+    return node;
 }
 
 void NetScopeBuilder::addBackdrop(int scopeIndex, pugi::xml_node element, int fileIndex)
@@ -298,9 +309,7 @@ QStringList NetScopeBuilder::definitionsOf(pugi::xml_node graph) const
 void NetScopeBuilder::addGraph(
     int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace)
 {
-    NetNode box = nodeFrom(element, fileIndex, NetNode::Kind::Graph);
-    box.inputs = listedPorts(file(fileIndex), element, "input");
-    box.outputs = listedPorts(file(fileIndex), element, "output");
+    NetNode box = read(element, m_Scopes.at(scopeIndex).kind, fileIndex, nameSpace);
     box.innerScope = m_Scopes.size();
     const QStringList definitionNames = scopeIndex == 0 ? definitionsOf(element) : QStringList{};
 

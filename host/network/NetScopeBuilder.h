@@ -10,7 +10,7 @@
 
 /// Makes scopes with their nodes and ports of the elements of a document; connections come after.
 ///
-/// Called by  NetReader.
+/// Called by  NetReader; NetEditor, which reads changed elements again.
 /// Uses       NetXmlFile, NetDefinitionLibrary.
 /// Tells      the reader what it could not resolve, by messages.
 class NetScopeBuilder
@@ -24,6 +24,12 @@ public:
     /// The document level, then all graphs.
     QVector<NetScope> build();
 
+    /// The box that an element below the root or below a nodegraph stands for, without what lies
+    /// inside a graph. The namespace is the one in force around the element.
+    NetNode read(
+        pugi::xml_node element, NetScope::Kind around, int fileIndex, const QString& nameSpace);
+    /// True when such an element is a box: a node, a nodegraph, an input or an output.
+    static bool isBox(pugi::xml_node element);
     /// True for a tag that is part of the format's structure, and so is not a node category.
     static bool isStructural(const pugi::char_t* tag);
 
@@ -36,13 +42,13 @@ private:
     bool isTaken(pugi::xml_node element, int fileIndex);
     void addElement(
         int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace);
-    void addNode(int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace);
     void addGraph(int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace);
-    void addScopePort(int scopeIndex, pugi::xml_node element, int fileIndex, NetNode::Kind kind);
     void addBackdrop(int scopeIndex, pugi::xml_node element, int fileIndex);
     void addImpliedInputs(NetScope* scope, const QStringList& definitionNames);
     int append(int scopeIndex, NetNode node, const QString& nameSpace);
     NetNode nodeFrom(pugi::xml_node element, int fileIndex, NetNode::Kind kind) const;
+    NetNode scopePort(
+        pugi::xml_node element, NetScope::Kind around, int fileIndex, NetNode::Kind kind) const;
     void resolve(NetNode* node, pugi::xml_node element, const QString& nameSpace);
     QStringList definitionsOf(pugi::xml_node graph) const;
     void reportUnresolved();

@@ -46,9 +46,8 @@ bool isUtf16(const QByteArray& bytes)
 std::shared_ptr<const NetXmlFile> NetXmlFile::load(const QString& path, NetMessage* error)
 {
     const QFileInfo info(path);
-    auto file = std::make_shared<NetXmlFile>();
-    file->m_Path = QDir::cleanPath(info.absoluteFilePath());
-    *error = {NetMessage::Severity::Error, file->m_Path, 0, refusal(info)};
+    *error
+        = {NetMessage::Severity::Error, QDir::cleanPath(info.absoluteFilePath()), 0, refusal(info)};
     if (!error->text.isEmpty())
         return nullptr;
 
@@ -57,7 +56,16 @@ std::shared_ptr<const NetXmlFile> NetXmlFile::load(const QString& path, NetMessa
         error->text = tr("The file cannot be read: %1.").arg(device.errorString());
         return nullptr;
     }
-    file->m_Bytes = device.readAll();
+    return fromBytes(path, device.readAll(), error);
+}
+
+std::shared_ptr<const NetXmlFile> NetXmlFile::fromBytes(
+    const QString& path, const QByteArray& bytes, NetMessage* error)
+{
+    auto file = std::make_shared<NetXmlFile>();
+    file->m_Path = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    file->m_Bytes = bytes;
+    *error = {NetMessage::Severity::Error, file->m_Path, 0, {}};
     if (!file->parse(error))
         return nullptr;
     return file;

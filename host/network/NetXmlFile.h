@@ -15,7 +15,7 @@
 /// Comments, blank text, declaration and document type stay in the tree, and the bytes are kept as
 /// they were, so that a file can be written again with only the changed places touched.
 ///
-/// Called by  NetReader and NetDefinitionLibrary.
+/// Called by  NetReader, NetDefinitionLibrary and NetEditor.
 /// Uses       pugixml, which takes the raw '<' that real files have in attribute values.
 /// Tells      its caller what was wrong, by a message.
 class NetXmlFile
@@ -23,6 +23,10 @@ class NetXmlFile
 public:
     /// Reads the file. Null when it cannot be used; the message then says why, and at which line.
     static std::shared_ptr<const NetXmlFile> load(const QString& path, NetMessage* error);
+
+    /// The same for bytes that are at hand already.
+    static std::shared_ptr<const NetXmlFile> fromBytes(
+        const QString& path, const QByteArray& bytes, NetMessage* error);
 
     const QString& path() const { return m_Path; }
     const QByteArray& bytes() const { return m_Bytes; }

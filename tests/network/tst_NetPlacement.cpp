@@ -14,6 +14,7 @@ private Q_SLOTS:
     void positionedBoxes_stayWhereTheFileSays();
     void looseBoxes_standBesideThePositionedOnes_data();
     void looseBoxes_standBesideThePositionedOnes();
+    void movedBoxOfAutomaticLayout_leavesTheOthersWhereTheyWere();
 };
 
 void tst_NetPlacement::unit_followsTheSpan_data()
@@ -52,32 +53,42 @@ void tst_NetPlacement::looseBoxes_standBesideThePositionedOnes_data()
 {
     // Of edges, source and destination; boxes 0 and 1 are positioned.
     const TestTable<QVector<QPoint>, qreal> row("edges", "left");
-    // Positioned boxes reach from 100 to 500; the loose ones, 2 and 3, are 150 wide each.
-    row("consumers on the right", QVector<QPoint>{{0, 2}, {1, 3}}, 570.0);
-    row("sources on the left", QVector<QPoint>{{2, 0}, {3, 1}}, 100.0 - 70 - 324);
-    row("most connections decide", QVector<QPoint>{{2, 0}, {1, 3}, {1, 2}}, 570.0);
-    row("unconnected on the right", QVector<QPoint>{}, 570.0);
+    // Positioned boxes reach from 10100 to 10500; the loose ones, 2 and 3, are 150 wide each.
+    row("consumers on the right", QVector<QPoint>{{0, 2}, {1, 3}}, 10570.0);
+    row("sources on the left", QVector<QPoint>{{2, 0}, {3, 1}}, 10100.0 - 70 - 324);
+    row("most connections decide", QVector<QPoint>{{2, 0}, {1, 3}, {1, 2}}, 10570.0);
+    row("unconnected on the right", QVector<QPoint>{}, 10570.0);
 }
 
 void tst_NetPlacement::looseBoxes_standBesideThePositionedOnes()
 {
     QFETCH(QVector<QPoint>, edges);
     QFETCH(qreal, left);
-    const QVector<NetPlacementItem> items{{QSizeF(200, 100), true, {100, 40}},
-        {QSizeF(200, 100), true, {300, 90}}, {QSizeF(150, 60), false, {}},
+    const QVector<NetPlacementItem> items{{QSizeF(200, 100), true, {10100, 40}},
+        {QSizeF(200, 100), true, {10300, 90}}, {QSizeF(150, 60), false, {}},
         {QSizeF(150, 60), false, {}}};
     QVector<NetLayoutEdge> layoutEdges;
     for (const QPoint& edge : qAsConst(edges))
         layoutEdges.append({edge.x(), edge.y()});
     const QVector<QPointF> corners
         = NetPlacement::place(items, layoutEdges, NetPlacement::Unit::Pixel);
-    QCOMPARE(corners.at(0), QPointF(100, 40));
-    QCOMPARE(corners.at(1), QPointF(300, 90));
+    QCOMPARE(corners.at(0), QPointF(10100, 40));
+    QCOMPARE(corners.at(1), QPointF(10300, 90));
     QVERIFY2(
         std::abs(corners.at(2).x() - left) <= 2, qPrintable(QString::number(corners.at(2).x())));
     QCOMPARE(corners.at(2).y(), 40.0);
     QCOMPARE(corners.at(3).y(), 40.0);
     QVERIFY(corners.at(3).x() >= corners.at(2).x() + 150 + 22);
+}
+
+void tst_NetPlacement::movedBoxOfAutomaticLayout_leavesTheOthersWhereTheyWere()
+{
+    QVector<NetPlacementItem> items(5, {QSizeF(150, 60), false, {}});
+    const QVector<NetLayoutEdge> edges{{0, 2}, {1, 2}, {2, 3}, {2, 4}};
+    QVector<QPointF> corners = NetPlacement::place(items, edges, NetPlacement::Unit::Pixel);
+    corners[2] = QPointF(-900, 700);
+    items[2] = {QSizeF(150, 60), true, corners.at(2)};
+    QCOMPARE(NetPlacement::place(items, edges, NetPlacement::Unit::Pixel), corners);
 }
 
 QTEST_GUILESS_MAIN(tst_NetPlacement)

@@ -1,0 +1,181 @@
+#include "network/NetRules.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("NetEditor", text);
+}
+
+QString gone()
+{
+    return tr("This is no longer part of the document.");
+}
+
+// "mix1.fg", or "out" for a port that is a box of its own.
+QString portName(const NetNode& node, const NetPort& port)
+{
+    const bool own = node.kind == NetNode::Kind::Input || node.kind == NetNode::Kind::Output;
+    return own ? node.name : node.name + QLatin1Char('.') + port.name;
+}
+
+} // namespace
+
+QString NetRules::whyNotReach(int scope, int node) const
+{
+    const QVector<NetScope>& scopes = m_Document.scopes();
+    if (scope < 0 || scope >= scopes.size() || node < 0 || node >= scopes.at(scope).nodes.size()
+        || scopes.at(scope).nodes.at(node).removed)
+        return gone();
+    for (int inner = scope; scopes.at(inner).parent >= 0; inner = scopes.at(inner).parent) {
+        const NetScope& around = scopes.at(scopes.at(inner).parent);
+        const int box = around.boxOf(inner);
+        if (box < 0 || around.nodes.at(box).removed)
+            return gone();
+    }
+    return {};
+}
+
+QString NetRules::whyNotEdit(int scope, int node) const
+{
+    const QString reason = whyNotReach(scope, node);
+    if (!reason.isEmpty())
+        return reason;
+    const NetNode& box = m_Document.scopes().at(scope).nodes.at(node);
+    if (box.fileIndex > 0) {
+        return tr("\"%1\" comes from an included file and can be changed only there.")
+            .arg(box.name);
+    }
+    return {};
+}
+
+QString NetRules::whyNotMove(int scope, int node) const
+{
+    return whyNotEdit(scope, node);
+}
+
+QString NetRules::whyNotRemove(int scope, int node) const
+{
+    const QString reason = whyNotEdit(scope, node);
+    if (!reason.isEmpty())
+        return reason;
+    const NetNode& box = m_Document.scopes().at(scope).nodes.at(node);
+    const bool port = box.kind == NetNode::Kind::Input || box.kind == NetNode::Kind::Output;
+    // Deliberate: it is also a port of the graph's box, and what that one is connected to is out of sight.
+    if (scope > 0 && port)
+        return tr("\"%1\" belongs to the interface of the graph and cannot be deleted.")
+            .arg(box.name);
+    if (scope == 0 && isCoveringIncluded(box.name)) {
+        return tr("\"%1\" stands in for an element of an included file, which would appear in its "
+                  "place.")
+            .arg(box.name);
+    }
+    return {};
+}
+
+bool NetRules::isCoveringIncluded(const QString& name) const
+{
+    const auto& files = m_Document.files();
+    return !name.isEmpty()
+        && std::any_of(files.cbegin() + 1, files.cend(), [&name](const auto& file) {
+               return bool(file->root().find_child_by_attribute("name", name.toUtf8().constData()));
+           });
+}
+
+QString NetRules::whyNotTake(int scope, const NetPortRef& dest) const
+{
+    const QString reason = whyNotEdit(scope, dest.node);
+    if (!reason.isEmpty())
+        return reason;
+    const NetNode& box = m_Document.scopes().at(scope).nodes.at(dest.node);
+    return dest.port < 0 || dest.port >= box.inputs.size() ? gone() : QString();
+}
+
+QString NetRules::whyNotDisconnect(int scope, const NetPortRef& dest) const
+{
+    const QString reason = whyNotTake(scope, dest);
+    if (!reason.isEmpty())
+        return reason;
+    const NetNode& box = m_Document.scopes().at(scope).nodes.at(dest.node);
+    const NetPort& port = box.inputs.at(dest.port);
+    return port.isConnected() ? QString() : tr("\"%1\" is not connected.").arg(portName(box, port));
+}
+
+QString NetRules::whyNotConnect(int scope, const NetPortRef& source, const NetPortRef& dest) const
+{
+    QString reason = whyNotReach(scope, source.node);
+    if (reason.isEmpty())
+        reason = whyNotTake(scope, dest);
+    if (!reason.isEmpty())
+        return reason;
+    const NetScope& network = m_Document.scopes().at(scope);
+    const NetNode& from = network.nodes.at(source.node);
+    const NetNode& to = network.nodes.at(dest.node);
+    if (source.port < 0 || source.port >= from.outputs.size())
+        return gone();
+    if (source.node == dest.node)
+        return tr("\"%1\" cannot feed itself.").arg(to.name);
+    reason = whyNotTypes(network, source, dest);
+    if (reason.isEmpty() && feeds(network, dest.node, source.node)) {
+        reason = tr("\"%1\" feeds \"%2\" already; the connection would close a circle.")
+                     .arg(to.name, from.name);
+    }
+    return reason.isEmpty() ? whyNotNamed(network, source) : reason;
+}
+
+QString NetRules::whyNotTypes(
+    const NetScope& scope, const NetPortRef& source, const NetPortRef& dest)
+{
+    const NetNode& from = scope.nodes.at(source.node);
+    const NetNode& to = scope.nodes.at(dest.node);
+    const NetPort& output = from.outputs.at(source.port);
+    const NetPort& input = to.inputs.at(dest.port);
+    if (output.type != input.type) {
+        return tr("\"%1\" takes %2, but \"%3\" gives %4.")
+            .arg(portName(to, input), input.type, portName(from, output), output.type);
+    }
+    const bool plain = from.kind == NetNode::Kind::Input || from.isDot()
+        || (from.kind == NetNode::Kind::Node && from.category == QLatin1String("constant"));
+    if (to.kind != NetNode::Kind::Output && input.isUniform() && !plain) {
+        return tr("\"%1\" is uniform: it takes only constants, dots and interface inputs.")
+            .arg(portName(to, input));
+    }
+    return {};
+}
+
+// The file names a source: the first element of its kind with that name is the one that counts.
+QString NetRules::whyNotNamed(const NetScope& scope, const NetPortRef& source)
+{
+    const NetNode& from = scope.nodes.at(source.node);
+    if (from.name.isEmpty())
+        return tr("This element has no name by which it could be connected.");
+    if (scope.indexOf(from.kind, from.name) != source.node) {
+        return tr(
+            "Another element has the name \"%1\" too, and a connection would lead to that one.")
+            .arg(from.name);
+    }
+    return {};
+}
+
+bool NetRules::feeds(const NetScope& scope, int source, int dest)
+{
+    QVector<QVector<int>> sources(scope.nodes.size());
+    for (const NetConnection& connection : scope.connections)
+        sources[connection.destNode].append(connection.sourceNode);
+    QVector<bool> seen(scope.nodes.size(), false);
+    QVector<int> open{dest};
+    while (!open.isEmpty()) {
+        const int node = open.takeLast();
+        if (node == source)
+            return true;
+        if (seen.at(node))
+            continue;
+        seen[node] = true;
+        open += sources.at(node);
+    }
+    return false;
+}

@@ -1,0 +1,487 @@
+#include "network/NetEditor.h"
+#include "network/NetModelText.h"
+#include "network/NetTemporaryFiles.h"
+#include "support/TestTable.h"
+
+#include <QLocale>
+#include <QSignalSpy>
+
+#include <csignal>
+#include <functional>
+#include <sys/resource.h>
+
+namespace {
+
+/// Makes one change of the document below.
+using Maker = std::function<NetEditor::ChangePtr(NetEditor&)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Maker)
+
+/// The exact text that each kind of change leaves behind, what is refused and why, and saving.
+class tst_NetEditor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void change_touchesOnlyItsOwnPlace_data();
+    void change_touchesOnlyItsOwnPlace();
+    void rule_saysWhyNot_data();
+    void rule_saysWhyNot();
+    void changesAskedForTogether_areMadeOneAfterTheOther();
+    void removal_tellsConsumersFirstAndUndoTellsNodesFirst();
+    void graphInput_changesInsideAndOutside();
+    void boxWithoutElement_movesOnScreenOnly();
+    void removedGraph_disconnectsWhatReachedForItFromInside();
+    void failedSave_leavesTheOldFile_data();
+    void failedSave_leavesTheOldFile();
+    void savedFile_keepsLinkAndPermissions();
+    void changeByAnotherProgram_isNoticed();
+};
+
+namespace {
+
+const char* const kDefinitions = R"(<?xml version="1.0"?>
+<materialx>
+  <nodedef name="ND_one" node="one"><input name="in" type="float" value="&lt;0.5&gt;"/><input name="name" type="string"/><output name="out" type="float"/></nodedef>
+  <nodedef name="ND_pair" node="pair"><output name="x" type="float"/><output name="y" type="float"/></nodedef>
+  <nodedef name="ND_constant" node="constant"><input name="value" type="string"/><output name="out" type="string"/></nodedef>
+  <nodedef name="ND_text" node="text"><output name="out" type="string"/></nodedef>
+  <nodedef name="ND_dot" node="dot"><input name="in" type="float"/><output name="out" type="float"/></nodedef>
+  <nodedef name="ND_tint" node="tint"><input name="fg" type="color3"/><output name="out" type="color3"/></nodedef>
+  <output name="from_include" type="float"/>
+</materialx>
+)";
+
+// Lines end with CR LF; the last one does not end. Edits below are written as lines of this.
+const char* const kDocument = R"(<?xml version='1.0' ?>
+<materialx version="1.39">
+  <!-- <one name="a"> is no element -->
+  <xi:include href="definitions.mtlx" />
+
+  <one name="a" type="float" xpos="1.50" ypos="-2" ><!-- kept --></one> <!-- tail -->
+  <one name='b' file="a.<UDIM>.png>" type='float'/>
+  <one   name="c"
+         type="float">
+    <input name="in" type="float" value="1.0" uiname="In" /> <!-- one -->
+
+  </one>
+  <pair name="p" type="multioutput" />
+  <one name="twin" type="float"></one>
+  <one name="twin" type="float"><input name="in" type="float" nodename="p" output="y" /></one>
+  <constant name="k" type="string"/>
+  <text name="t" type="string" />
+  <tint name="tint" type="color3"/>
+  <nodegraph name="g">
+	<input name="i" type="float" value="2"/>
+	<one name="d" type="float">
+		<input name="in" type="float" interfacename="i"/>
+	</one>
+	<output name="o" type="float" nodename="d"/>
+  </nodegraph>
+  <one name="last" type="float">
+    <input name="in" output="o" nodegraph="g" type="float" />
+  </one>
+  <output name="out" type="float" nodename="a" /></materialx>)";
+
+QByteArray documentText()
+{
+    return QByteArray(kDocument).replace("\n", "\r\n");
+}
+
+struct Fixture
+{
+    explicit Fixture(const QByteArray& bytes = documentText())
+    {
+        files.write(QStringLiteral("definitions.mtlx"), kDefinitions);
+        path = files.write(QStringLiteral("document.mtlx"), bytes);
+        editor = std::make_unique<NetEditor>(NetReader(NetSearchPath()).read(path).document);
+    }
+
+    NetTemporaryFiles files;
+    QString path;
+    std::unique_ptr<NetEditor> editor;
+};
+
+int node(const NetEditor& editor, int scope, const char* key)
+{
+    return editor.scope(scope).indexOfKey(QLatin1String(key));
+}
+
+NetPortRef input(const NetEditor& editor, const char* key, const char* port = "in", int scope = 0)
+{
+    const int index = node(editor, scope, key);
+    return {index,
+        NetDefinition::indexOf(editor.scope(scope).nodes.at(index).inputs, QLatin1String(port))};
+}
+
+NetPortRef output(const NetEditor& editor, const char* key, const char* port = "out", int scope = 0)
+{
+    const int index = node(editor, scope, key);
+    return {index,
+        NetDefinition::indexOf(editor.scope(scope).nodes.at(index).outputs, QLatin1String(port))};
+}
+
+Maker connected(const char* source, const char* port, const char* dest, const char* destPort)
+{
+    return [=](NetEditor& editor) {
+        return editor.connectInput(0, output(editor, source, port), input(editor, dest, destPort));
+    };
+}
+
+Maker disconnected(const char* dest, const char* port = "in")
+{
+    return [=](NetEditor& editor) { return editor.disconnectInput(0, input(editor, dest, port)); };
+}
+
+Maker moved(const char* key, qreal x, qreal y)
+{
+    return [=](NetEditor& editor) { return editor.moveNodes(0, {{node(editor, 0, key), {x, y}}}); };
+}
+
+Maker removed(std::initializer_list<const char*> keys, int scope = 0)
+{
+    return [keys = QVector<const char*>(keys), scope](NetEditor& editor) {
+        QVector<int> nodes;
+        for (const char* key : keys)
+            nodes.append(node(editor, scope, key));
+        return editor.removeNodes(scope, nodes);
+    };
+}
+
+Maker dotted(const char* dest, const char* port, int scope = 0)
+{
+    return [=](NetEditor& editor) {
+        return editor.insertDot(scope, input(editor, dest, port, scope), {0.25, -1.0 / 3});
+    };
+}
+
+} // namespace
+
+void tst_NetEditor::initTestCase()
+{
+    // Decimal commas, which must not get into files.
+    QLocale::setDefault(QLocale(QLocale::German));
+    QVERIFY(setlocale(LC_NUMERIC, "") != nullptr);
+}
+
+void tst_NetEditor::cleanupTestCase()
+{
+    QLocale::setDefault(QLocale::c());
+}
+
+void tst_NetEditor::change_touchesOnlyItsOwnPlace_data()
+{
+    const TestTable<Maker, QByteArray, QByteArray> row("maker", "before", "after");
+    row("move one coordinate", moved("node/a", 1.5000001, 0.1 + 0.2), R"(xpos="1.50" ypos="-2" >)",
+        R"(xpos="1.50" ypos="0.3" >)");
+    row("move what has no position", moved("node/b", -1234567.8912345, -0.0000001),
+        R"(type='float'/>)", R"(type='float' xpos='-1234567.891235' ypos='0'/>)");
+    row("move a later one of a name", moved("node:2/twin", 1, 2), R"(type="float"><input)",
+        R"(type="float" xpos="1" ypos="2"><input)");
+    row("connect in place of a value", connected("node/a", "out", "node/c", "in"),
+        R"(value="1.0" uiname)", R"(nodename="a" uiname)");
+    row("connect to one of several outputs", connected("node/p", "x", "node/c", "in"),
+        R"(value="1.0" uiname)", R"(nodename="p" output="x" uiname)");
+    row("connect another output", connected("node/p", "x", "node:2/twin", "in"), R"(output="y")",
+        R"(output="x")");
+    row("connect instead of an output", connected("node/a", "out", "node:2/twin", "in"),
+        R"(nodename="p" output="y")", R"(nodename="a")");
+    row("connect instead of a graph", connected("node/a", "out", "node/last", "in"),
+        R"(output="o" nodegraph="g" type)", R"(nodename="a" type)");
+    row("connect a graph", connected("graph/g", "o", "node/c", "in"), R"(value="1.0" uiname)",
+        R"(nodegraph="g" output="o" uiname)");
+    row("connect the input of a graph", connected("node/a", "out", "graph/g", "i"),
+        R"(value="2"/>)", R"(nodename="a"/>)");
+    row("connect an output", connected("node/b", "out", "output/out", "out"), R"(nodename="a" />)",
+        R"(nodename="b" />)");
+    row("list an input of a closed element", connected("node/a", "out", "node/b", "in"),
+        "type='float'/>\r\n",
+        "type='float'>\r\n    <input name='in' type='float' nodename='a'/>\r\n  </one>\r\n");
+    row("list an input of an empty element", connected("node/a", "out", "node/twin", "in"),
+        R"(type="float"></one>)",
+        "type=\"float\">\r\n    <input name=\"in\" type=\"float\" nodename=\"a\" />\r\n  </one>");
+    row("list an input behind another", connected("node/k", "out", "node/c", "name"),
+        "<!-- one -->\r\n",
+        "<!-- one -->\r\n    <input name=\"name\" type=\"string\" nodename=\"k\" />\r\n");
+    row("list an input behind another on its line",
+        connected("node/k", "out", "node:2/twin", "name"), R"(output="y" /><)",
+        R"(output="y" /><input name="name" type="string" nodename="k" /><)");
+    row("disconnect, default escaped", disconnected("node:2/twin"), R"(nodename="p" output="y")",
+        R"(value="&lt;0.5&gt;")");
+    row("disconnect what has no default", disconnected("output/out", "out"),
+        R"(type="float" nodename="a" />)", R"(type="float" />)");
+    row("remove lines", removed({"node/c"}),
+        "  <one   name=\"c\"\r\n         type=\"float\">\r\n    <input name=\"in\" type=\"float\" "
+        "value=\"1.0\" uiname=\"In\" /> <!-- one -->\r\n\r\n  </one>\r\n",
+        "");
+    row("remove beside a comment", removed({"node/b", "node/p", "node:2/twin"}),
+        "  <one name='b' file=\"a.<UDIM>.png>\" type='float'/>\r\n", "");
+    row("remove a source", removed({"graph/g"}), R"(output="o" nodegraph="g" type)",
+        R"(value="&lt;0.5&gt;" type)");
+    row("dot before a node", dotted("node/last", "in"), "  <one name=\"last\"",
+        "  <dot name=\"dot1\" type=\"float\" xpos=\"0.25\" ypos=\"-0.333333\">\r\n"
+        "    <input name=\"in\" type=\"float\" nodegraph=\"g\" output=\"o\" />\r\n  </dot>\r\n"
+        "  <one name=\"last\"");
+    row("dot before an output in a graph", dotted("output/o", "o", 1), "\t<output name=\"o\"",
+        "\t<dot name=\"dot1\" type=\"float\" xpos=\"0.25\" ypos=\"-0.333333\">\r\n"
+        "\t\t<input name=\"in\" type=\"float\" nodename=\"d\"/>\r\n\t</dot>\r\n\t<output "
+        "name=\"o\"");
+}
+
+void tst_NetEditor::change_touchesOnlyItsOwnPlace()
+{
+    QFETCH(Maker, maker);
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    QCOMPARE(editor.text(), documentText());
+    const QStringList model = NetModelText::of(editor.document());
+
+    const NetEditor::ChangePtr change = maker(editor);
+    QVERIFY(change);
+    QCOMPARE(editor.text(), documentText());
+    change->redo();
+    QByteArray expected = documentText();
+    QCOMPARE(expected.count(before), 1);
+    expected.replace(before, after);
+    // The second places of the changes that have two.
+    const QByteArray tag = QTest::currentDataTag();
+    if (tag == "remove beside a comment") {
+        expected.replace("  <pair name=\"p\" type=\"multioutput\" />\r\n", "");
+        const int twin = expected.lastIndexOf("  <one name=\"twin\"");
+        expected.remove(twin, expected.indexOf("\n", twin) + 1 - twin);
+    } else if (tag == "remove a source") {
+        const int graph = expected.indexOf("  <nodegraph");
+        expected.remove(graph, expected.indexOf("  <one name=\"last\"") - graph);
+    } else if (tag == "dot before a node") {
+        expected.replace("<input name=\"in\" output=\"o\" nodegraph=\"g\" type",
+            "<input name=\"in\" nodename=\"dot1\" type");
+    } else if (tag == "dot before an output in a graph") {
+        expected.replace("type=\"float\" nodename=\"d\"/>\r\n  </",
+            "type=\"float\" nodename=\"dot1\"/>\r\n  </");
+    }
+    QCOMPARE(editor.text(), expected);
+    const auto again = NetReader(NetSearchPath()).read(fixture.path, expected).document;
+    QCOMPARE(NetModelText::of(editor.document()), NetModelText::of(*again));
+    change->undo();
+    QCOMPARE(editor.text(), documentText());
+    QCOMPARE(NetModelText::of(editor.document()), model);
+    change->redo();
+    QCOMPARE(editor.text(), expected);
+}
+
+void tst_NetEditor::rule_saysWhyNot_data()
+{
+    const TestTable<QByteArray, QByteArray, QByteArray, QByteArray, QString> row(
+        "source", "sourcePort", "dest", "destPort", "sentence");
+    row("types", "node/a", "out", "node/tint", "fg",
+        "\"tint.fg\" takes color3, but \"a.out\" gives float.");
+    row("itself", "node/a", "out", "node/a", "in", "\"a\" cannot feed itself.");
+    row("circle over two", "node/last", "out", "graph/g", "i",
+        "\"g\" feeds \"last\" already; the connection would close a circle.");
+    row("uniform", "node/t", "out", "node/b", "name",
+        "\"b.name\" is uniform: it takes only constants, dots and interface inputs.");
+    row("uniform from a constant", "node/k", "out", "node/b", "name", "");
+    row("included", "node/a", "out", "output/from_include", "from_include",
+        "\"from_include\" comes from an included file and can be changed only there.");
+    row("name that is another's", "node:2/twin", "out", "node/b", "in",
+        "Another element has the name \"twin\" too, and a connection would lead to that one.");
+}
+
+void tst_NetEditor::rule_saysWhyNot()
+{
+    QFETCH(QByteArray, source);
+    QFETCH(QByteArray, sourcePort);
+    QFETCH(QByteArray, dest);
+    QFETCH(QByteArray, destPort);
+    QFETCH(QString, sentence);
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    const NetPortRef from = output(editor, source.constData(), sourcePort.constData());
+    const NetPortRef to = input(editor, dest.constData(), destPort.constData());
+    QCOMPARE(editor.whyNotConnect(0, from, to), sentence);
+    QCOMPARE(editor.connectInput(0, from, to) == nullptr, !sentence.isEmpty());
+}
+
+void tst_NetEditor::changesAskedForTogether_areMadeOneAfterTheOther()
+{
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    std::vector<NetEditor::ChangePtr> changes;
+    changes.push_back(removed({"node/b"})(editor));
+    changes.push_back(moved("node/last", 7, 8)(editor));
+    changes.push_back(connected("node/b", "out", "node/c", "in")(editor)); // there no more by then
+    for (const auto& change : changes)
+        change->redo();
+    QVERIFY(!editor.text().contains("name='b'"));
+    QVERIFY(editor.text().contains("<one name=\"last\" type=\"float\" xpos=\"7\" ypos=\"8\">"));
+    QVERIFY(editor.text().contains("value=\"1.0\""));
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change)
+        (*change)->undo();
+    QCOMPARE(editor.text(), documentText());
+}
+
+void tst_NetEditor::removal_tellsConsumersFirstAndUndoTellsNodesFirst()
+{
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    QStringList told;
+    const int out = node(editor, 0, "output/out");
+    connect(&editor, &NetEditor::inputChanged, this, [&](int scope, int dest, int port) {
+        const bool wired = editor.connectionTo(scope, {dest, port});
+        told.append(
+            editor.scope(scope).nodes.at(dest).key + (wired ? QLatin1Char('+') : QLatin1Char('-')));
+    });
+    connect(&editor, &NetEditor::nodeAdded, this,
+        [&](int, int) { told.append(QStringLiteral("added")); });
+    connect(&editor, &NetEditor::nodeRemoved, this,
+        [&](int, int) { told.append(QStringLiteral("removed")); });
+    const auto change = removed({"node/a"})(editor);
+    change->redo();
+    QCOMPARE(editor.connectionTo(0, {out, 0}), nullptr);
+    change->undo();
+    QCOMPARE(told,
+        (QStringList{QStringLiteral("output/out-"), QStringLiteral("removed"),
+            QStringLiteral("added"), QStringLiteral("output/out+")}));
+}
+
+void tst_NetEditor::graphInput_changesInsideAndOutside()
+{
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    const int inside = node(editor, 1, "input/i");
+    const auto change = editor.moveNodes(1, {{inside, {3, 4}}});
+    change->redo();
+    QVERIFY(editor.text().contains(
+        "<input name=\"i\" type=\"float\" value=\"2\" xpos=\"3\" ypos=\"4\"/>"));
+    const NetPortRef outside = input(editor, "graph/g", "i");
+    const auto& box = editor.scope(0).nodes.at(outside.node);
+    QCOMPARE(
+        box.inputs.at(outside.port).attributes.value(QLatin1String("xpos")), QStringLiteral("3"));
+    QVERIFY(!editor.whyNotRemove(1, inside).isEmpty());
+}
+
+void tst_NetEditor::boxWithoutElement_movesOnScreenOnly()
+{
+    const QByteArray bytes = "<materialx><xi:include href=\"definitions.mtlx\"/>"
+                             "<nodegraph name=\"f\" nodedef=\"ND_one\"/></materialx>";
+    Fixture fixture(bytes);
+    NetEditor& editor = *fixture.editor;
+    const int implied = node(editor, 1, "input/in");
+    const auto change = editor.moveNodes(1, {{implied, {3, 4}}});
+    change->redo();
+    QCOMPARE(editor.text(), bytes);
+    QCOMPARE(editor.scope(1).nodes.at(implied).position, QPointF(3, 4));
+    change->undo();
+    QVERIFY(!editor.scope(1).nodes.at(implied).hasPosition);
+    QVERIFY(!editor.whyNotRemove(1, implied).isEmpty());
+}
+
+void tst_NetEditor::removedGraph_disconnectsWhatReachedForItFromInside()
+{
+    const QByteArray user = "<nodegraph name=\"user\"><one name=\"n\" type=\"float\">"
+                            "<input name=\"in\" type=\"float\" nodegraph=\"g\" output=\"o\"/>"
+                            "</one></nodegraph>";
+    const QByteArray bytes = "<materialx>" + user
+        + "<nodegraph name=\"g\"><output name=\"o\" type=\"float\"/></nodegraph></materialx>";
+    Fixture fixture(bytes);
+    NetEditor& editor = *fixture.editor;
+    const auto change = removed({"graph/g"})(editor);
+    change->redo();
+    QCOMPARE(editor.text(),
+        QByteArray("<materialx>" + user + "</materialx>")
+            .replace(" nodegraph=\"g\" output=\"o\"", ""));
+    QVERIFY(editor.scope(1).openEnds.isEmpty());
+    const int inner = editor.document().indexOfScope(QStringLiteral("g"));
+    QVERIFY(!editor.whyNotMove(inner, 0).isEmpty());
+    change->undo();
+    QCOMPARE(editor.text(), bytes);
+    QCOMPARE(editor.scope(1).openEnds.size(), 1);
+}
+
+void tst_NetEditor::failedSave_leavesTheOldFile_data()
+{
+    const TestTable<QString, QString> row("name", "sentence");
+    row("no name", "", "The document needs a file name.");
+    row("folder in its place", "folder", "is a folder, not a file.");
+    row("device in its place", "device", "is not a regular file.");
+    row("folder that is not there", "nowhere/a.mtlx", "nowhere\" does not exist.");
+    row("folder that takes no files", "/proc/a.mtlx", "\"/proc/a.mtlx\" cannot be written: ");
+    row("no room", "document.mtlx", "document.mtlx\" cannot be written: ");
+}
+
+void tst_NetEditor::failedSave_leavesTheOldFile()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, sentence);
+    Fixture fixture;
+    QVERIFY(QDir().mkpath(fixture.files.path(QStringLiteral("folder"))));
+    QVERIFY(QFile::link(QStringLiteral("/dev/full"), fixture.files.path(QStringLiteral("device"))));
+    moved("node/last", 7, 8)(*fixture.editor)->redo();
+    const bool given = name.isEmpty() || name.startsWith(QLatin1Char('/'));
+    const QString path = given ? name : fixture.files.path(name);
+
+    // A limit on the size of files fails a write half way, as a full disk does.
+    rlimit old{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{100, old.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    QString error;
+    const bool saved = fixture.editor->save(path, &error);
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, handler);
+
+    QVERIFY(!saved);
+    QVERIFY2(error.contains(sentence), qPrintable(error));
+    QCOMPARE(fixture.editor->document().filePath(), fixture.path);
+    QVERIFY(!fixture.editor->changedOnDisk());
+    const QDir folder = QFileInfo(fixture.path).dir();
+    QCOMPARE(folder.entryList(QDir::Files | QDir::System | QDir::Hidden),
+        (QStringList{QStringLiteral("definitions.mtlx"), QStringLiteral("device"),
+            QStringLiteral("document.mtlx")}));
+}
+
+void tst_NetEditor::savedFile_keepsLinkAndPermissions()
+{
+    Fixture fixture;
+    const QString link = fixture.files.path(QStringLiteral("link.mtlx"));
+    QVERIFY(QFile::link(fixture.path, link));
+    QVERIFY(QFile::setPermissions(
+        fixture.path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeGroup));
+    const auto before = QFile::permissions(fixture.path);
+    moved("node/last", 7, 8)(*fixture.editor)->redo();
+    QString error;
+    QVERIFY2(fixture.editor->save(link, &error), qPrintable(error));
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(QFile::permissions(fixture.path), before);
+    QFile target(fixture.path);
+    QVERIFY(target.open(QIODevice::ReadOnly));
+    QCOMPARE(target.readAll(), fixture.editor->text());
+    QCOMPARE(fixture.editor->document().filePath(), link);
+}
+
+void tst_NetEditor::changeByAnotherProgram_isNoticed()
+{
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    moved("node/last", 7, 8)(editor)->redo();
+    QVERIFY(!editor.changedOnDisk());
+    QByteArray other = documentText();
+    other.replace("1.50", "1.51");
+    fixture.files.write(QStringLiteral("document.mtlx"), other);
+    QVERIFY(editor.changedOnDisk());
+    QVERIFY(editor.save(fixture.path, nullptr));
+    QVERIFY(!editor.changedOnDisk());
+    QVERIFY(QFile::remove(fixture.path));
+    QVERIFY(!editor.changedOnDisk());
+}
+
+QTEST_GUILESS_MAIN(tst_NetEditor)
+
+#include "tst_NetEditor.moc"
