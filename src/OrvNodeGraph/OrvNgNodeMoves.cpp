@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr char kFile[] = "src/OrvNodeGraph/OrvNgNodeMoves";
+constexpr char kFile[] = "src/OrvNodeGraph/OrvNgNode";
 
 // Beyond this a scene rectangle no longer fits the integers of scroll bars and paint engines.
 constexpr double kMaxCoordinate = 1e8;

@@ -194,6 +194,9 @@ private Q_SLOTS:
             stage.release(end, Qt::LeftButton);
             QVERIFY(!stage.m_Node->highlightedEdge() && !stage.isLit(stage.m_Edge));
         }
+        QCOMPARE(stage.m_Node->input(kFree)->sourceNode(), stage.m_Left);
+        QCOMPARE(stage.m_Edge->sourceNode(), stage.m_Node);
+        QCOMPARE(stage.m_Edge->destNode(), stage.m_Right);
     }
 
     void drag_highlightsNoOtherEdge_data()
