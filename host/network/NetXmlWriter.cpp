@@ -12,8 +12,7 @@ bool isBlank(char c)
 } // namespace
 
 NetXmlWriter::NetXmlWriter(const NetXmlFile& file, NetXmlPatches* patches)
-    : m_File(file)
-    , m_Text(file.bytes())
+    : m_Text(file.bytes())
     , m_Patches(patches)
 {
 }

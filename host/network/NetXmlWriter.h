@@ -17,7 +17,7 @@ using NetXmlPairs = QVector<QPair<QByteArray, QString>>;
 class NetXmlWriter
 {
 public:
-    /// The file must outlive the writer.
+    /// The file must outlive the writer; its tree gives the elements to change.
     NetXmlWriter(const NetXmlFile& file, NetXmlPatches* patches);
 
     /// Gives the element those attributes. Those of the names in `replaced` go, unless they are wanted
@@ -47,7 +47,6 @@ private:
     static QByteArray escaped(const QString& value, char quote);
     static QByteArray written(const QPair<QByteArray, QString>& pair, char quote);
 
-    const NetXmlFile& m_File;
     const QByteArray& m_Text;
     NetXmlPatches* m_Patches;
 };

@@ -33,7 +33,6 @@ private Q_SLOTS:
     void rule_saysWhyNot();
     void changesAskedForTogether_areMadeOneAfterTheOther();
     void removal_tellsConsumersFirstAndUndoTellsNodesFirst();
-    void graphInput_changesInsideAndOutside();
     void boxWithoutElement_movesOnScreenOnly();
     void removedGraph_disconnectsWhatReachedForItFromInside();
     void failedSave_leavesTheOldFile_data();
@@ -56,8 +55,9 @@ const char* const kDefinitions = R"(<?xml version="1.0"?>
 </materialx>
 )";
 
-// Lines end with CR LF; the last one does not end. Edits below are written as lines of this.
+// A byte order mark stands before it, and lines end with CR LF; the last one does not end. Edits below are written as lines of this.
 const char* const kDocument = R"(<?xml version='1.0' ?>
+<!DOCTYPE materialx>
 <materialx version="1.39">
   <!-- <one name="a"> is no element -->
   <xi:include href="definitions.mtlx" />
@@ -67,8 +67,9 @@ const char* const kDocument = R"(<?xml version='1.0' ?>
   <one   name="c"
          type="float">
     <input name="in" type="float" value="1.0" uiname="In" /> <!-- one -->
+    <![CDATA[</one>]]><?note </one> ?>
 
-  </one>
+  </one >
   <pair name="p" type="multioutput" />
   <one name="twin" type="float"></one>
   <one name="twin" type="float"><input name="in" type="float" nodename="p" output="y" /></one>
@@ -89,7 +90,7 @@ const char* const kDocument = R"(<?xml version='1.0' ?>
 
 QByteArray documentText()
 {
-    return QByteArray(kDocument).replace("\n", "\r\n");
+    return "\xEF\xBB\xBF" + QByteArray(kDocument).replace("\n", "\r\n");
 }
 
 struct Fixture
@@ -216,7 +217,8 @@ void tst_NetEditor::change_touchesOnlyItsOwnPlace_data()
         R"(type="float" nodename="a" />)", R"(type="float" />)");
     row("remove lines", removed({"node/c"}),
         "  <one   name=\"c\"\r\n         type=\"float\">\r\n    <input name=\"in\" type=\"float\" "
-        "value=\"1.0\" uiname=\"In\" /> <!-- one -->\r\n\r\n  </one>\r\n",
+        "value=\"1.0\" uiname=\"In\" /> <!-- one -->\r\n    <![CDATA[</one>]]><?note </one> ?>\r\n"
+        "\r\n  </one >\r\n",
         "");
     row("remove beside a comment", removed({"node/b", "node/p", "node:2/twin"}),
         "  <one name='b' file=\"a.<UDIM>.png>\" type='float'/>\r\n", "");
@@ -348,22 +350,6 @@ void tst_NetEditor::removal_tellsConsumersFirstAndUndoTellsNodesFirst()
     QCOMPARE(told,
         (QStringList{QStringLiteral("output/out-"), QStringLiteral("removed"),
             QStringLiteral("added"), QStringLiteral("output/out+")}));
-}
-
-void tst_NetEditor::graphInput_changesInsideAndOutside()
-{
-    Fixture fixture;
-    NetEditor& editor = *fixture.editor;
-    const int inside = node(editor, 1, "input/i");
-    const auto change = editor.moveNodes(1, {{inside, {3, 4}}});
-    change->redo();
-    QVERIFY(editor.text().contains(
-        "<input name=\"i\" type=\"float\" value=\"2\" xpos=\"3\" ypos=\"4\"/>"));
-    const NetPortRef outside = input(editor, "graph/g", "i");
-    const auto& box = editor.scope(0).nodes.at(outside.node);
-    QCOMPARE(
-        box.inputs.at(outside.port).attributes.value(QLatin1String("xpos")), QStringLiteral("3"));
-    QVERIFY(!editor.whyNotRemove(1, inside).isEmpty());
 }
 
 void tst_NetEditor::boxWithoutElement_movesOnScreenOnly()
