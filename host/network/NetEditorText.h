@@ -33,7 +33,8 @@ struct NetEdit
     int added = -1; ///< its position, once it was there
     int addedBefore = -1; ///< the node whose element it stands before
     QVector<int> orderBefore; ///< of the scope's elements; filled in when the change is made first
-    QVector<Shown> shown; ///< boxes without an element; their positions are exchanged with the model's
+    QVector<Shown>
+        shown; ///< boxes without an element; their positions are exchanged with the model's
 };
 
 /// The text of the open document and the way between its elements and the boxes of the model.
