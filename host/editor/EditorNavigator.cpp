@@ -1,7 +1,5 @@
 #include "editor/EditorNavigator.h"
 
-#include "network/NetDocument.h"
-
 EditorNavigator::EditorNavigator(EditorView* view, QObject* parent)
     : QObject(parent)
     , m_View(view)
@@ -10,18 +8,64 @@ EditorNavigator::EditorNavigator(EditorView* view, QObject* parent)
 
 EditorNavigator::~EditorNavigator() = default;
 
-void EditorNavigator::setDocument(const DocumentPtr& document, int scope)
+void EditorNavigator::setDocument(const EditorPtr& editor, int scope)
 {
+    if (m_Editor)
+        m_Editor->disconnect(this);
     const QHash<int, EditorScene*> oldScenes = m_Scenes;
     m_Scenes.clear();
     m_Looks.clear();
     m_CameFrom.clear();
-    m_Document = document;
+    m_ChangedScopes.clear();
+    m_Editor = editor;
     m_Scene = nullptr;
+    followEditor();
     show(scope);
     // Later: the call may come out of an event that an old scene is still handling.
     for (EditorScene* old : oldScenes)
         old->deleteLater();
+}
+
+void EditorNavigator::followEditor()
+{
+    const auto note = [this](int scope) { noteChange(scope); };
+    NetEditor* editor = m_Editor.get();
+    connect(editor, &NetEditor::nodesMoved, this, note);
+    connect(editor, &NetEditor::inputChanged, this, note);
+    connect(editor, &NetEditor::nodeAdded, this, note);
+    connect(editor, &NetEditor::nodeRemoved, this, note);
+}
+
+void EditorNavigator::noteChange(int scope)
+{
+    if (m_ChangedScopes.isEmpty())
+        QMetaObject::invokeMethod(this, &EditorNavigator::revealChange, Qt::QueuedConnection);
+    if (!m_ChangedScopes.contains(scope))
+        m_ChangedScopes.append(scope);
+}
+
+/// A change inside a graph may change its box in the scope around it too. As long as some of it is on show,
+/// nothing needs to be shown; so what the user does here never leads away.
+void EditorNavigator::revealChange()
+{
+    const QVector<int> changed = m_ChangedScopes;
+    m_ChangedScopes.clear();
+    if (!changed.isEmpty() && !changed.contains(scopeIndex()))
+        showScope(changed.constFirst());
+}
+
+EditorScene* EditorNavigator::makeScene(int scope)
+{
+    auto* scene = new EditorScene(m_Editor, scope, m_InitialMode, this);
+    // Queued, because entering replaces the scene that handles the click.
+    connect(
+        scene, &EditorScene::nodeActivated, this,
+        [this, scene](int nodeIndex) {
+            if (scene == m_Scene)
+                enter(nodeIndex);
+        },
+        Qt::QueuedConnection);
+    return scene;
 }
 
 void EditorNavigator::rememberLook()
@@ -35,17 +79,8 @@ void EditorNavigator::show(int scope)
 {
     rememberLook();
     EditorScene*& scene = m_Scenes[scope];
-    if (!scene) {
-        scene = new EditorScene(m_Document, scope, m_InitialMode, this);
-        // Queued, because entering replaces the scene that handles the click.
-        connect(
-            scene, &EditorScene::nodeActivated, this,
-            [this, clicked = scene](int nodeIndex) {
-                if (clicked == m_Scene)
-                    enter(nodeIndex);
-            },
-            Qt::QueuedConnection);
-    }
+    if (!scene)
+        scene = makeScene(scope);
     m_Scene = scene;
     m_View->setScene(scene);
     m_View->init();
@@ -64,7 +99,7 @@ int EditorNavigator::scopeInside(int nodeIndex) const
     const NetNode& node = m_Scene->scope().nodes.at(nodeIndex);
     if (node.innerScope >= 0 || !node.definition)
         return node.innerScope;
-    for (const NetScope& scope : m_Document->scopes()) {
+    for (const NetScope& scope : document()->scopes()) {
         if (scope.kind == NetScope::Kind::FunctionalGraph && scope.definition
             && scope.definition->name == node.definition->name)
             return scope.index;
@@ -74,7 +109,7 @@ int EditorNavigator::scopeInside(int nodeIndex) const
 
 bool EditorNavigator::canShow(int scope) const
 {
-    return m_Document && scope >= 0 && scope < m_Document->scopes().size() && scope != scopeIndex();
+    return m_Editor && scope >= 0 && scope < document()->scopes().size() && scope != scopeIndex();
 }
 
 bool EditorNavigator::showScope(int scope)

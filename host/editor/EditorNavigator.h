@@ -8,30 +8,30 @@
 
 #include <memory>
 
-class NetDocument;
-
 /// Which scope of the document the view shows, and the way from one to another. Scenes are made at
 /// the first visit and kept until the document goes, with where the view looked, so that coming
-/// back finds everything as it was left.
+/// back finds everything as it was left. A change of the document in a scope that is not on show, which
+/// undo and redo make, shows that scope.
 ///
 /// Called by  EditorWindow.
-/// Uses       EditorScene, EditorView.
+/// Uses       EditorScene, EditorView, NetEditor.
 /// Tells      the window, through scopeChanged.
 class EditorNavigator : public QObject
 {
     Q_OBJECT
 
 public:
-    using DocumentPtr = std::shared_ptr<const NetDocument>;
+    using EditorPtr = std::shared_ptr<NetEditor>;
 
     /// Shows scopes in that view, which must outlive the navigator's use of it.
     explicit EditorNavigator(EditorView* view, QObject* parent = nullptr);
     ~EditorNavigator() override;
 
     /// Takes another document and shows one of its scopes. Everything of the old one goes.
-    void setDocument(const DocumentPtr& document, int scope);
+    void setDocument(const EditorPtr& editor, int scope);
     /// Null before the first document.
-    const DocumentPtr& document() const { return m_Document; }
+    const EditorPtr& editor() const { return m_Editor; }
+    const NetDocument* document() const { return m_Editor ? &m_Editor->document() : nullptr; }
 
     /// The scene on show; null before the first document.
     EditorScene* scene() const { return m_Scene; }
@@ -61,12 +61,17 @@ private:
     bool canShow(int scope) const;
     void show(int scope);
     void rememberLook();
+    void followEditor();
+    void noteChange(int scope);
+    void revealChange();
+    EditorScene* makeScene(int scope);
 
     EditorView* m_View;
-    DocumentPtr m_Document;
+    EditorPtr m_Editor;
     EditorScene* m_Scene = nullptr; ///< one of m_Scenes
     QHash<int, EditorScene*> m_Scenes; ///< by scope; children of this
     QHash<int, EditorView::Look> m_Looks;
+    QVector<int> m_ChangedScopes; ///< since the event loop ran last
     QVector<int> m_CameFrom; ///< scopes from which was entered, the last one at the end
     EditorScene::Mode m_InitialMode = EditorScene::Mode::PORT_LIST_EXPANDED;
 };

@@ -1,5 +1,6 @@
 #include "editor/EditorNodeFactory.h"
 
+#include "editor/EditorNode.h"
 #include "editor/EditorNodeLook.h"
 #include "editor/EditorPortGroups.h"
 #include "network/NetScope.h"
@@ -9,7 +10,7 @@
 #include <QMap>
 #include <QSet>
 
-#include <OrvNodeGraph/OrvNgExtendedNode.h>
+#include <OrvNodeGraph/OrvNgPort.h>
 
 namespace {
 
@@ -49,7 +50,7 @@ void addFolders(const NetNode& node, QMap<QString, QString>* labels)
     }
 }
 
-void nameInputs(OrvNgExtendedNode* item, const NetScope& scope, int nodeIndex)
+QMap<QString, QString> inputLabels(const NetScope& scope, int nodeIndex)
 {
     const NetNode& node = scope.nodes.at(nodeIndex);
     QMap<QString, QString> labels;
@@ -57,7 +58,7 @@ void nameInputs(OrvNgExtendedNode* item, const NetScope& scope, int nodeIndex)
         labels.insert(port.name, portLabel(node, port));
     addFolders(node, &labels);
     markBroken(scope, nodeIndex, &labels);
-    item->setInputConnectionPrettyNames(labels);
+    return labels;
 }
 
 void nameOutputs(OrvNgExtendedNode* item, const NetNode& node)
@@ -68,20 +69,13 @@ void nameOutputs(OrvNgExtendedNode* item, const NetNode& node)
     item->setOutputConnectionPrettyNames(labels);
 }
 
-// A port that the definition hides is shown all the same when the document says something about it.
-QSet<QString> tagsOf(const NetPort& port)
-{
-    return port.isHidden() && !port.listed ? QSet<QString>{QStringLiteral("_hidden")}
-                                           : QSet<QString>{};
-}
-
 void addInputs(OrvNgExtendedNode* item, const NetNode& node)
 {
     const int mainInput = EditorPortGroups::mainInput(node);
     for (int i = 0; i < node.inputs.size(); ++i) {
         const NetPort& port = node.inputs.at(i);
         if (!item->inputExists(port.name)) // a document may list a name twice
-            item->createInput(port.name, i == mainInput, tagsOf(port));
+            item->createInput(port.name, i == mainInput, EditorNodeFactory::tagsOf(port));
     }
     item->setInputPortClusterMap(EditorPortGroups::inputClusters(node));
 }
@@ -94,17 +88,37 @@ void addOutputs(OrvNgExtendedNode* item, const NetNode& node)
     }
 }
 
+// The library's names of the points of a dot. They carry no label.
+const QLatin1String kDotInput("Input");
+const QLatin1String kDotOutput("Output");
+
+bool isShownAsDot(const NetNode& node)
+{
+    return node.isDot() && node.inputs.size() == 1 && node.outputs.size() == 1;
+}
+
+OrvNgNode* buildDot(const NetNode& node)
+{
+    auto* item = new EditorDot;
+    item->createOutputPoint(kDotOutput, true);
+    item->createInput(kDotInput, true, {});
+    item->setText(node.displayName());
+    return item;
+}
+
 } // namespace
 
-OrvNgExtendedNode* EditorNodeFactory::build(const NetScope& scope, int nodeIndex)
+OrvNgNode* EditorNodeFactory::build(const NetScope& scope, int nodeIndex)
 {
     const NetNode& node = scope.nodes.at(nodeIndex);
-    auto* item = new OrvNgExtendedNode(nullptr);
+    if (isShownAsDot(node))
+        return buildDot(node);
+    auto* item = new EditorNode;
     item->pauseInvalidation(true);
     const EditorNodeLook look = EditorNodeLook::of(node);
     item->setShapeType(look.shape);
     item->setCategory(look.category);
-    nameInputs(item, scope, nodeIndex);
+    item->setInputConnectionPrettyNames(inputLabels(scope, nodeIndex));
     nameOutputs(item, node);
     addOutputs(item, node);
     addInputs(item, node);
@@ -112,4 +126,49 @@ OrvNgExtendedNode* EditorNodeFactory::build(const NetScope& scope, int nodeIndex
     item->setCorrectColor();
     item->pauseInvalidation(false);
     return item;
+}
+
+void EditorNodeFactory::nameInputs(OrvNgNode* item, const NetScope& scope, int nodeIndex)
+{
+    auto* node = dynamic_cast<OrvNgExtendedNode*>(item);
+    if (!node)
+        return;
+    const QMap<QString, QString> labels = inputLabels(scope, nodeIndex);
+    node->setInputConnectionPrettyNames(labels);
+    for (auto label = labels.cbegin(); label != labels.cend(); ++label) {
+        OrvNgPort* port = node->inputPort(label.key());
+        if (port && port->text() != *label)
+            port->setText(*label);
+    }
+}
+
+// A port that the definition hides is shown all the same when the document says something about it.
+QSet<QString> EditorNodeFactory::tagsOf(const NetPort& port)
+{
+    return port.isHidden() && !port.listed ? QSet<QString>{QStringLiteral("_hidden")}
+                                           : QSet<QString>{};
+}
+
+QString EditorNodeFactory::inputName(const NetNode& node, int port)
+{
+    return isShownAsDot(node) ? QString(kDotInput) : node.inputs.at(port).name;
+}
+
+QString EditorNodeFactory::outputName(const NetNode& node, int port)
+{
+    return isShownAsDot(node) ? QString(kDotOutput) : node.outputs.at(port).name;
+}
+
+int EditorNodeFactory::inputIndex(const NetNode& node, const QString& name)
+{
+    if (isShownAsDot(node))
+        return name == kDotInput ? 0 : -1;
+    return NetDefinition::indexOf(node.inputs, name);
+}
+
+int EditorNodeFactory::outputIndex(const NetNode& node, const QString& name)
+{
+    if (isShownAsDot(node))
+        return name == kDotOutput ? 0 : -1;
+    return NetDefinition::indexOf(node.outputs, name);
 }

@@ -124,4 +124,24 @@ QColor brokenColor()
     return {255, 45, 45};
 }
 
+QColor offeredColor(const QString& type)
+{
+    static QHash<QString, QColor> s_Known;
+    QColor& color = s_Known[type];
+    if (!color.isValid()) {
+        constexpr double kLightness = 0.94; // above every type's own
+        const Perceived own = perceived(type);
+        color = shown({kLightness, own.chroma, own.hue});
+    }
+    return color;
+}
+
+QColor faintColor(const QString& type)
+{
+    constexpr int kAlpha = 60;
+    QColor faint = color(type, false);
+    faint.setAlpha(kAlpha);
+    return faint;
+}
+
 } // namespace EditorPortColors

@@ -8,7 +8,7 @@
 /// without a connection. A type that the format does not know (a document's own struct) gets a
 /// colour made of its name, the same on every run.
 ///
-/// Called by  EditorScene, EditorToolTips.
+/// Called by  EditorScene, EditorWiringGuide.
 /// Uses       nothing else.
 /// Tells      nobody.
 namespace EditorPortColors {
@@ -17,5 +17,12 @@ namespace EditorPortColors {
 QColor color(const QString& type, bool connected);
 /// Of an input whose source does not exist.
 QColor brokenColor();
+
+// While an edge is carried
+
+/// Of a port that would take it: stands out from both shades of color().
+QColor offeredColor(const QString& type);
+/// Of a port that would not: the free shade, nearly transparent.
+QColor faintColor(const QString& type);
 
 } // namespace EditorPortColors

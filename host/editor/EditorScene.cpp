@@ -1,10 +1,9 @@
 #include "editor/EditorScene.h"
 
+#include "editor/EditorEdits.h"
 #include "editor/EditorNodeFactory.h"
-#include "editor/EditorPortColors.h"
 #include "editor/EditorToolTips.h"
-#include "network/NetDocument.h"
-#include "network/NetPlacement.h"
+#include "editor/EditorWiringGuide.h"
 
 #include <QGraphicsSceneHelpEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -16,24 +15,25 @@
 
 namespace {
 
-bool isConnectedOutput(OrvNgNode* node, const QString& name)
+OrvNgExtendedNode* extended(OrvNgNode* node)
 {
-    const OrvNgEdge* edge = node->outputEdge(name); // connected ones come first
-    return edge && edge->destNode();
+    return dynamic_cast<OrvNgExtendedNode*>(node);
+}
+
+bool showsLabels(OrvNgNode* node)
+{
+    using Mode = EditorScene::Mode;
+    const OrvNgExtendedNode* shown = extended(node);
+    return shown && shown->portListMode() != Mode::PORT_LIST_EXPANDED
+        && shown->portListMode() != Mode::PORT_LIST_ONLY_CONNECTED;
 }
 
 // Edge labels stand between the columns in the modes that show them.
 NetLayoutOptions layoutOptions(const EditorScene::Nodes& nodes)
 {
     constexpr qreal kGapForLabels = 140; // scene units
-    using Mode = EditorScene::Mode;
     NetLayoutOptions options;
-    const bool showsLabels
-        = std::any_of(nodes.cbegin(), nodes.cend(), [](const OrvNgExtendedNode* node) {
-              return node->portListMode() != Mode::PORT_LIST_EXPANDED
-                  && node->portListMode() != Mode::PORT_LIST_ONLY_CONNECTED;
-          });
-    if (showsLabels)
+    if (std::any_of(nodes.cbegin(), nodes.cend(), showsLabels))
         options.columnGap = kGapForLabels;
     return options;
 }
@@ -56,117 +56,156 @@ OrvNgPort* portOf(QGraphicsItem* item)
 
 } // namespace
 
-EditorScene::EditorScene(
-    std::shared_ptr<const NetDocument> document, int scope, Mode mode, QObject* parent)
+// Building
+
+EditorScene::EditorScene(std::shared_ptr<NetEditor> editor, int scope, Mode mode, QObject* parent)
     : QGraphicsScene(parent)
-    , m_Document(std::move(document))
+    , m_Editor(std::move(editor))
     , m_ScopeIndex(scope)
+    , m_Mode(mode)
+    , m_Unit(NetPlacement::unitOf(this->scope()))
+    , m_Edits(std::make_unique<EditorEdits>(this))
+    , m_Guide(std::make_unique<EditorWiringGuide>(this))
 {
     // Nodes and edges are made and connected before they enter the scene, so that its index sees
     // each of them once, at its final place.
     buildNodes();
     connectPorts();
-    for (OrvNgExtendedNode* node : qAsConst(m_Nodes))
-        node->setPortListMode(mode);
-    place(true);
-    for (OrvNgExtendedNode* node : qAsConst(m_Nodes))
-        addItem(node);
+    setPortListMode(nodes(), mode);
+    m_LooseCorners = corners(true);
+    for (int i = 0; i < m_Nodes.size(); ++i) {
+        if (!m_Nodes.at(i))
+            continue;
+        setCorner(i, m_LooseCorners.at(i));
+        enter(m_Nodes.at(i));
+    }
     for (int i = 0; i < m_Nodes.size(); ++i)
         colorPorts(i);
-    markOpenEnds();
+    listenToModel();
 }
 
 EditorScene::~EditorScene()
 {
     // Items die here, while their signals still find a whole scene.
+    m_IsClosing = true;
     disconnect();
     clear();
 }
 
 const NetScope& EditorScene::scope() const
 {
-    return m_Document->scopes().at(m_ScopeIndex);
+    return m_Editor->scope(m_ScopeIndex);
+}
+
+OrvNgNode* EditorScene::buildNode(int index)
+{
+    OrvNgNode* node = EditorNodeFactory::build(scope(), index);
+    m_Nodes[index] = node;
+    m_Indices.insert(node, index);
+    connect(node, &OrvNgNode::nodePortListModeChanged, this,
+        [this, node](int mode) { followMode(node, mode); });
+    connect(node, &OrvNgNode::inputSourceChanged, this,
+        [this, node](OrvNgNode* source, const QString& output, const QString& input) {
+            m_Edits->wire(source, output, node, input);
+        });
+    connect(node, &OrvNgNode::inputSourceRefused, this,
+        [this, node](OrvNgNode* source, const QString& output, const QString& input) {
+            Q_EMIT status(input.isNull() ? whyNoInput(source, output, node)
+                                         : whyNotConnect(source, output, node, input));
+        });
+    connect(node, &OrvNgNode::clickedOnDotableMarkerOnEdge, this,
+        [this](OrvNgEdge* edge) { m_Edits->insertDot(edge); });
+    return node;
+}
+
+void EditorScene::enter(OrvNgNode* node)
+{
+    addItem(node);
+    if (extended(node))
+        return;
+    // A dot has no ports: an unconnected edge shows its free output.
+    const QStringList outputs = node->outputPoints();
+    for (const QString& output : outputs)
+        node->addOutputEdge(output);
 }
 
 void EditorScene::buildNodes()
 {
     const int count = scope().nodes.size();
-    m_Nodes.reserve(count);
+    m_Nodes.resize(count);
+    m_Places.resize(count);
     m_Indices.reserve(count);
     for (int i = 0; i < count; ++i) {
-        OrvNgExtendedNode* node = EditorNodeFactory::build(scope(), i);
-        m_Nodes.append(node);
-        m_Indices.insert(node, i);
-        connect(node, &OrvNgNode::nodePortListModeChanged, this,
-            [this, node](int mode) { followMode(node, mode); });
+        if (!scope().nodes.at(i).removed)
+            buildNode(i);
+    }
+    for (const NetOpenEnd& end : scope().openEnds) {
+        if (end.reason == NetOpenEnd::Reason::Missing)
+            m_Missing.insert({end.destNode, end.destPort});
     }
 }
 
 void EditorScene::connectPorts()
 {
-    for (const NetConnection& connection : scope().connections) {
-        const NetNode& source = scope().nodes.at(connection.sourceNode);
-        const NetNode& dest = scope().nodes.at(connection.destNode);
-        OrvNgEdge* edge
-            = m_Nodes.at(connection.destNode)->input(dest.inputs.at(connection.destPort).name);
-        if (edge) {
-            edge->setSourceNode(
-                m_Nodes.at(connection.sourceNode), source.outputs.at(connection.sourcePort).name);
-        }
+    for (const NetConnection& each : scope().connections) {
+        OrvNgEdge* edge = edgeOf({each.destNode, each.destPort});
+        OrvNgNode* source = node(each.sourceNode);
+        if (!edge || !source)
+            continue;
+        edge->setSourceNode(source,
+            EditorNodeFactory::outputName(scope().nodes.at(each.sourceNode), each.sourcePort));
+        m_Sources.insert(
+            {each.destNode, each.destPort}, NetPortRef{each.sourceNode, each.sourcePort});
     }
 }
 
-void EditorScene::place(bool asInDocument)
+QVector<QPointF> EditorScene::corners(bool asInDocument) const
 {
+    QVector<int> rank(m_Nodes.size(), -1); // place among the nodes that are there
     QVector<NetPlacementItem> items;
     items.reserve(m_Nodes.size());
     for (int i = 0; i < m_Nodes.size(); ++i) {
+        if (!m_Nodes.at(i))
+            continue;
         const NetNode& model = scope().nodes.at(i);
+        rank[i] = items.size();
         items.append({m_Nodes.at(i)->boundingRect().size(), asInDocument && model.hasPosition,
             model.position});
     }
     QVector<NetLayoutEdge> edges;
     edges.reserve(scope().connections.size());
     for (const NetConnection& each : scope().connections) {
-        OrvNgExtendedNode* source = m_Nodes.at(each.sourceNode);
-        OrvNgExtendedNode* dest = m_Nodes.at(each.destNode);
-        const QString output = scope().nodes.at(each.sourceNode).outputs.at(each.sourcePort).name;
-        const QString input = scope().nodes.at(each.destNode).inputs.at(each.destPort).name;
-        edges.append({each.sourceNode, each.destNode,
+        OrvNgNode* source = node(each.sourceNode);
+        OrvNgNode* dest = node(each.destNode);
+        if (!source || !dest)
+            continue;
+        const QString output
+            = EditorNodeFactory::outputName(scope().nodes.at(each.sourceNode), each.sourcePort);
+        const QString input
+            = EditorNodeFactory::inputName(scope().nodes.at(each.destNode), each.destPort);
+        edges.append({rank.at(each.sourceNode), rank.at(each.destNode),
             source->outputPortSourcePos(output).y() - source->sceneBoundingRect().top(),
             dest->inputPortDestPos(input).y() - dest->sceneBoundingRect().top()});
     }
-    const QVector<QPointF> corners
-        = NetPlacement::place(items, edges, NetPlacement::unitOf(scope()), layoutOptions(m_Nodes));
-    for (int i = 0; i < m_Nodes.size(); ++i)
-        m_Nodes.at(i)->setPos(corners.at(i) - m_Nodes.at(i)->boundingRect().topLeft());
+    const QVector<QPointF> placed
+        = NetPlacement::place(items, edges, m_Unit, layoutOptions(nodes()));
+    QVector<QPointF> result(m_Nodes.size());
+    for (int i = 0; i < m_Nodes.size(); ++i) {
+        if (rank.at(i) >= 0)
+            result[i] = placed.at(rank.at(i));
+    }
+    return result;
 }
 
-void EditorScene::colorPorts(int nodeIndex)
-{
-    const NetNode& model = scope().nodes.at(nodeIndex);
-    OrvNgExtendedNode* node = m_Nodes.at(nodeIndex);
-    for (const NetPort& port : model.inputs) {
-        const OrvNgEdge* edge = node->input(port.name);
-        if (OrvNgPort* item = node->inputPort(port.name))
-            item->setSpecialPortColor(
-                EditorPortColors::color(port.type, edge && edge->sourceNode()));
-    }
-    for (const NetPort& port : model.outputs) {
-        if (OrvNgPort* item = node->outputPort(port.name))
-            item->setSpecialPortColor(
-                EditorPortColors::color(port.type, isConnectedOutput(node, port.name)));
-    }
-}
+// Nodes
 
-void EditorScene::markOpenEnds()
+EditorScene::Nodes EditorScene::nodes() const
 {
-    for (const NetOpenEnd& end : scope().openEnds) {
-        const QString& name = scope().nodes.at(end.destNode).inputs.at(end.destPort).name;
-        OrvNgPort* port = m_Nodes.at(end.destNode)->inputPort(name);
-        if (port && end.reason == NetOpenEnd::Reason::Missing)
-            port->setSpecialPortColor(EditorPortColors::brokenColor());
-    }
+    Nodes nodes;
+    nodes.reserve(m_Nodes.size());
+    std::copy_if(m_Nodes.cbegin(), m_Nodes.cend(), std::back_inserter(nodes),
+        [](const OrvNgNode* node) { return node != nullptr; });
+    return nodes;
 }
 
 int EditorScene::indexOf(const QGraphicsItem* item) const
@@ -194,7 +233,9 @@ EditorScene::Nodes EditorScene::selectedNodes() const
 int EditorScene::connectionCount() const
 {
     int count = 0;
-    for (OrvNgExtendedNode* node : m_Nodes) {
+    for (OrvNgNode* node : m_Nodes) {
+        if (!node)
+            continue;
         const QList<OrvNgEdge*>& inputs = node->inputs();
         count += static_cast<int>(std::count_if(inputs.cbegin(), inputs.cend(),
             [](const OrvNgEdge* edge) { return edge->isFullConnected(); }));
@@ -205,7 +246,7 @@ int EditorScene::connectionCount() const
 QRectF EditorScene::boundsOf(const Nodes& nodes)
 {
     QRectF bounds;
-    for (const OrvNgExtendedNode* node : nodes)
+    for (const OrvNgNode* node : nodes)
         bounds |= node->sceneBoundingRect();
     return bounds;
 }
@@ -213,37 +254,191 @@ QRectF EditorScene::boundsOf(const Nodes& nodes)
 QPointF EditorScene::middleOf(const Nodes& nodes)
 {
     QPointF sum;
-    for (const OrvNgExtendedNode* node : nodes)
+    for (const OrvNgNode* node : nodes)
         sum += node->sceneBoundingRect().center();
     return nodes.isEmpty() ? sum : sum / nodes.size();
 }
 
-void EditorScene::setPortListMode(const Nodes& nodes, Mode mode)
+// Ports
+
+NetPortRef EditorScene::inputOf(const QGraphicsItem* node, const QString& name) const
 {
-    for (OrvNgExtendedNode* node : nodes)
-        node->setPortListMode(mode);
+    const int index = m_Indices.value(node, -1);
+    return {index, index < 0 ? -1 : EditorNodeFactory::inputIndex(scope().nodes.at(index), name)};
 }
 
-void EditorScene::followMode(OrvNgExtendedNode* node, int mode)
+NetPortRef EditorScene::outputOf(const QGraphicsItem* node, const QString& name) const
+{
+    const int index = m_Indices.value(node, -1);
+    return {index, index < 0 ? -1 : EditorNodeFactory::outputIndex(scope().nodes.at(index), name)};
+}
+
+OrvNgEdge* EditorScene::edgeOf(const NetPortRef& input) const
+{
+    OrvNgNode* item = node(input.node);
+    if (!item)
+        return nullptr;
+    return item->input(EditorNodeFactory::inputName(scope().nodes.at(input.node), input.port));
+}
+
+QString EditorScene::whyNotConnect(const OrvNgNode* source, const QString& output,
+    const OrvNgNode* dest, const QString& input) const
+{
+    const NetPortRef from = outputOf(source, output);
+    const NetPortRef to = inputOf(dest, input);
+    if (from.port < 0 || to.node < 0)
+        return tr("There is nothing here that can be connected.");
+    if (to.port < 0)
+        return tr("\"%1\" stands for several inputs: expand the node to choose one.").arg(input);
+    return m_Editor->whyNotConnect(m_ScopeIndex, from, to);
+}
+
+/// For a drop that named no input: the reason of the one that was most likely meant.
+QString EditorScene::whyNoInput(
+    const OrvNgNode* source, const QString& output, const OrvNgNode* dest) const
+{
+    const NetPortRef from = outputOf(source, output);
+    const int to = indexOf(dest);
+    if (from.port < 0 || to < 0)
+        return whyNotConnect(source, output, dest, QString());
+    const QString& type = scope().nodes.at(from.node).outputs.at(from.port).type;
+    const QVector<NetPort>& inputs = scope().nodes.at(to).inputs;
+    for (int port = 0; port < inputs.size(); ++port) {
+        if (inputs.at(port).type == type)
+            return m_Editor->whyNotConnect(m_ScopeIndex, from, {to, port});
+    }
+    return tr("No input of \"%1\" takes %2.").arg(scope().nodes.at(to).displayName(), type);
+}
+
+void EditorScene::setPortListMode(const Nodes& nodes, Mode mode)
+{
+    for (OrvNgNode* node : nodes) {
+        if (OrvNgExtendedNode* item = extended(node))
+            item->setPortListMode(mode);
+    }
+}
+
+void EditorScene::followMode(OrvNgNode* node, int mode)
 {
     // A click means the node that was clicked, and with it the selection that it is part of.
     const Nodes nodes = node->isSelected() ? selectedNodes() : Nodes{node};
     setPortListMode(nodes, static_cast<Mode>(mode));
 }
 
+// What the user does
+
+void EditorScene::nodeDropped(OrvNgNode* node)
+{
+    if (!m_IsClosing && m_Indices.contains(node))
+        m_Edits->drop(node);
+}
+
+void EditorScene::nodeLetGo(OrvNgNode*)
+{
+    if (m_IsClosing)
+        return;
+    if (m_Following == 0) {
+        m_Edits->commitMoves();
+        return;
+    }
+    // A step of the history is under way: another one can only follow it.
+    QMetaObject::invokeMethod(
+        this, [this] { m_Edits->commitMoves(); }, Qt::QueuedConnection);
+}
+
+void EditorScene::nodeGone(OrvNgNode* node)
+{
+    const auto found = m_Indices.find(node);
+    if (found == m_Indices.end())
+        return;
+    m_Nodes[*found] = nullptr;
+    m_Indices.erase(found);
+}
+
 void EditorScene::arrange()
 {
-    place(false);
+    m_Edits->arrange(corners(false));
+}
+
+void EditorScene::setDotMode(bool shown)
+{
+    if (shown == m_DotMode)
+        return;
+    m_DotMode = shown;
+    for (OrvNgNode* node : qAsConst(m_Nodes)) {
+        if (!node)
+            continue;
+        for (OrvNgEdge* edge : node->inputs()) {
+            const bool isOffered = edge->isFullConnected() && edge->isReconnectable();
+            if (!shown || (isOffered && edge->isVisible()))
+                edge->switchToDotableMode(shown);
+        }
+    }
+}
+
+void EditorScene::deleteSelection()
+{
+    m_Edits->remove(selectedNodes());
+}
+
+void EditorScene::extract(OrvNgNode* node)
+{
+    if (m_Indices.contains(node))
+        m_Edits->extract({node});
+}
+
+void EditorScene::extractSelection()
+{
+    auto* dragged = dynamic_cast<OrvNgNode*>(mouseGrabberItem());
+    if (m_Indices.contains(dragged))
+        m_Edits->extract({dragged});
+    else
+        m_Edits->extract(selectedNodes());
+}
+
+void EditorScene::selectAll()
+{
+    for (OrvNgNode* node : qAsConst(m_Nodes)) {
+        if (node)
+            node->setSelected(true);
+    }
+}
+
+void EditorScene::deselectAll()
+{
+    clearSelection();
+}
+
+void EditorScene::selectUpstream()
+{
+    select(true);
+}
+
+void EditorScene::selectDownstream()
+{
+    select(false);
+}
+
+void EditorScene::select(bool upstream)
+{
+    QVector<int> seeds;
+    for (OrvNgNode* node : selectedNodes())
+        seeds.append(m_Indices.value(node));
+    const QVector<bool> reached = EditorEdits::reachable(scope(), seeds, upstream);
+    for (int i = 0; i < m_Nodes.size(); ++i) {
+        if (reached.at(i) && m_Nodes.at(i))
+            m_Nodes.at(i)->setSelected(true);
+    }
 }
 
 QString EditorScene::toolTipOfPort(int nodeIndex, const OrvNgPort* port) const
 {
     const NetNode& model = scope().nodes.at(nodeIndex);
-    OrvNgExtendedNode* node = m_Nodes.at(nodeIndex);
+    OrvNgExtendedNode* node = extended(m_Nodes.at(nodeIndex));
     const QString name = port->originalPortName();
-    if (port->isClustered())
+    if (node && port->isClustered())
         return EditorToolTips::ofCluster(name, node->inputClusterPortName2ClusterList(name));
-    if (node->inputPort(name) == port)
+    if (node && node->inputPort(name) == port)
         return EditorToolTips::ofInput(
             scope(), nodeIndex, NetDefinition::indexOf(model.inputs, name));
     return EditorToolTips::ofOutput(
@@ -261,10 +456,25 @@ QString EditorScene::toolTipAt(const QPointF& scenePos) const
     return EditorToolTips::ofNode(scope().nodes.at(index));
 }
 
+OrvNgEdge* EditorScene::carriedEdge() const
+{
+    auto* edge = dynamic_cast<OrvNgEdge*>(mouseGrabberItem());
+    return edge && edge->isDragging() ? edge : nullptr;
+}
+
+bool EditorScene::event(QEvent* event)
+{
+    // Whatever started or ended the carrying of an edge, an event of the scene follows it.
+    const bool isHandled = QGraphicsScene::event(event);
+    if (!m_IsClosing)
+        m_Guide->follow(carriedEdge());
+    return isHandled;
+}
+
 void EditorScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
     const int index = indexOf(topItemAt(*this, event->scenePos()));
-    OrvNgExtendedNode* hit = node(index);
+    OrvNgNode* hit = node(index);
     if (hit && event->button() == Qt::LeftButton
         && hit->isDoubleClickValid(hit->mapFromScene(event->scenePos()))) {
         event->accept();

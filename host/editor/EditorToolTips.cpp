@@ -106,6 +106,8 @@ QString EditorToolTips::ofNode(const NetNode& node)
         lines.addWarning(tr("This node has no definition; it shows what the document lists."));
     }
     lines.add(tr("Note"), node.doc());
+    if (node.fileIndex > 0)
+        lines.add(tr("Included"), tr("from another file; it cannot be changed here"));
     if (node.innerScope >= 0)
         lines.add(tr("Double click"), tr("enters the graph"));
     return lines.html();

@@ -4,7 +4,7 @@
 #include "editor/EditorMessageBar.h"
 #include "editor/EditorNavigator.h"
 #include "editor/EditorView.h"
-#include "network/NetDocument.h"
+#include "network/NetEditor.h"
 #include "network/NetReader.h"
 
 #include <QAction>
@@ -99,7 +99,8 @@ bool EditorWindow::read(const QString& path, const QString& scopePath)
         return false;
     }
     const int wanted = scopePath.isNull() ? -1 : result.document->indexOfScope(scopePath);
-    m_Navigator->setDocument(result.document, wanted < 0 ? result.document->firstScope() : wanted);
+    m_Navigator->setDocument(std::make_shared<NetEditor>(result.document),
+        wanted < 0 ? result.document->firstScope() : wanted);
     m_MessageBar->setMessages(QString(), m_Messages);
     return true;
 }

@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QElapsedTimer>
 #include <QGraphicsView>
+#include <QHash>
 #include <QPointer>
 #include <QTimer>
 
@@ -232,7 +233,9 @@ private:
     void clearTracking();
     void giveUpLostGrab();
     void selectByBand(const QRect& before);
-    QList<QGraphicsItem*> itemsEnteringBand(const QRect& before);
+    QList<QGraphicsItem*> itemsToJudge(const QRect& before);
+    QList<QGraphicsItem*> selectableItemsIn(const QRegion& region);
+    bool isUnrotated() const { return viewportTransform().type() <= QTransform::TxScale; }
     void endEditing();
     void noticeScene();
 
@@ -271,7 +274,8 @@ private:
     QTransform m_BandTransform; ///< of the viewport when the band's items were last looked for
     bool m_ShakeDetectionEnabled = false;
     bool m_PressGaveMouse = false; ///< to an item, which loses it with the release
-    QVector<OrvNgGuardedItem> m_SelectionAtPress; ///< in the order of selection
+    QList<QGraphicsItem*> m_OrderAtPress; ///< what was selected, maybe gone: keys for the next
+    QHash<const QGraphicsItem*, OrvNgGuardedItem> m_SelectionAtPress;
     int m_SelectionMode = 0; ///< OrvNgNode::OrvNgSelectMode of the press
     OrvCursorTrackingMode m_CursorTrackingMode = CURSOR_TRACKING_NONE;
     std::unique_ptr<OrvNgCursorPath> m_Path;

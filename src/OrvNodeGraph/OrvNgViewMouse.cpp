@@ -147,8 +147,8 @@ QList<QGraphicsItem*> OrvNgView::mergeItemLists(QList<QGraphicsItem*> a, QList<Q
 QList<QGraphicsItem*> OrvNgView::lastSelectionCombinedWith(QList<QGraphicsItem*> items)
 {
     QList<QGraphicsItem*> last;
-    for (const OrvNgGuardedItem& guarded : qAsConst(m_SelectionAtPress)) {
-        if (QGraphicsItem* item = guarded.in(scene()))
+    for (const QGraphicsItem* key : qAsConst(m_OrderAtPress)) {
+        if (QGraphicsItem* item = m_SelectionAtPress.value(key).in(scene()))
             last.append(item);
     }
     return mergeItemLists(last, items);
@@ -200,9 +200,9 @@ void OrvNgView::rememberSelection(Qt::KeyboardModifiers modifiers)
 {
     m_SelectionMode = OrvNgNode::resolveSelectionMode(modifiers);
     m_SelectionAtPress.clear();
-    const QList<QGraphicsItem*> selected = sortedSelection();
-    for (QGraphicsItem* item : selected)
-        m_SelectionAtPress.append(OrvNgGuardedItem(item));
+    m_OrderAtPress = sortedSelection();
+    for (QGraphicsItem* item : qAsConst(m_OrderAtPress))
+        m_SelectionAtPress.insert(item, OrvNgGuardedItem(item));
 }
 
 /// In the hand-drag mode the scene does not clear the selection: only a left press may.
@@ -244,9 +244,9 @@ void OrvNgView::pressOnEmptySpace(QMouseEvent* event)
         return;
     // Qt has cleared the selection unless Control is held. A click beside the nodes must not lose
     // what the user is adding to.
-    const QVector<OrvNgGuardedItem> selection = m_SelectionAtPress;
-    for (const OrvNgGuardedItem& guarded : selection) {
-        QGraphicsItem* const item = guarded.in(scene());
+    const QList<QGraphicsItem*> order = m_OrderAtPress;
+    for (const QGraphicsItem* key : order) {
+        QGraphicsItem* const item = m_SelectionAtPress.value(key).in(scene());
         if (item && !item->isSelected())
             item->setSelected(true);
     }
@@ -392,21 +392,18 @@ bool OrvNgView::moveDrawsBand(QMouseEvent* event)
 /// others, end the band or take the scene away.
 void OrvNgView::selectByBand(const QRect& before)
 {
-    const BandArea band(mapToScene(m_Band->rect()),
-        viewportTransform().type() <= QTransform::TxScale, rubberBandSelectionMode());
+    const BandArea band(mapToScene(m_Band->rect()), isUnrotated(), rubberBandSelectionMode());
     const auto mode = static_cast<OrvNgNode::OrvNgSelectMode>(m_SelectionMode);
-    const QSet<QGraphicsItem*> atPress = toSet(lastSelectionCombinedWith({}));
-    const QList<QGraphicsItem*> candidates = lastSelectionCombinedWith(
-        mergeItemLists(itemsEnteringBand(before), scene()->selectedItems()));
-
     QVector<std::pair<OrvNgGuardedItem, bool>> changes;
+    const QList<QGraphicsItem*> candidates = itemsToJudge(before);
     for (QGraphicsItem* item : candidates) {
         const bool isInBand = band.reaches(item) && canBandSelect(item, band.polygon());
-        const bool wasSelected = atPress.contains(item);
-        if (!isInBand && !wasSelected && !item->isSelected())
+        const bool wasSelected = m_SelectionAtPress.value(item).in(scene()) == item;
+        const bool isSelected = item->isSelected();
+        if (!isInBand && !wasSelected && !isSelected)
             continue;
         const bool select = OrvNgSelectionRule::selects(mode, isInBand, wasSelected);
-        if (select != item->isSelected())
+        if (select != isSelected)
             changes.append({OrvNgGuardedItem(item), select});
     }
     for (const auto& change : qAsConst(changes)) {
@@ -416,30 +413,36 @@ void OrvNgView::selectByBand(const QRect& before)
     }
 }
 
-/// The selectable items that meet what the band has gained. What it has lost holds no other items than
-/// those selected now or at the press. A view that has scrolled or zoomed meanwhile gains all of it.
-QList<QGraphicsItem*> OrvNgView::itemsEnteringBand(const QRect& before)
+/// The items whose part in the selection the new rectangle may change: at first, and when the view has
+/// scrolled or zoomed, all that are concerned; then only those at the strips that the band has won or
+/// lost.
+QList<QGraphicsItem*> OrvNgView::itemsToJudge(const QRect& before)
 {
     const QTransform toViewport = viewportTransform();
-    QRegion gained(m_Band->rect());
-    if (toViewport == m_BandTransform)
-        gained -= before;
+    if (!before.isNull() && toViewport == m_BandTransform)
+        return selectableItemsIn(QRegion(before).xored(m_Band->rect()));
     m_BandTransform = toViewport;
+    return lastSelectionCombinedWith(
+        mergeItemLists(selectableItemsIn(m_Band->rect()), scene()->selectedItems()));
+}
 
-    QList<QGraphicsItem*> entering;
-    for (const QRect& part : gained) {
+/// Those whose bounds meet a part of the viewport, topmost first within each rectangle of the region.
+QList<QGraphicsItem*> OrvNgView::selectableItemsIn(const QRegion& region)
+{
+    QList<QGraphicsItem*> selectable;
+    for (const QRect& part : region) {
         const QPolygonF area = mapToScene(part);
         // Comparing rectangles is many times faster than comparing paths.
-        const QList<QGraphicsItem*> found = toViewport.type() <= QTransform::TxScale
+        const QList<QGraphicsItem*> found = isUnrotated()
             ? scene()->items(
                 area.boundingRect(), Qt::IntersectsItemBoundingRect, Qt::DescendingOrder)
             : scene()->items(area, Qt::IntersectsItemBoundingRect, Qt::DescendingOrder);
         for (QGraphicsItem* item : found) {
             if (item->flags().testFlag(QGraphicsItem::ItemIsSelectable))
-                entering.append(item);
+                selectable.append(item);
         }
     }
-    return entering;
+    return selectable;
 }
 
 bool OrvNgView::canBandSelect(QGraphicsItem*, const QPolygonF&) const

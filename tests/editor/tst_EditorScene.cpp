@@ -1,7 +1,7 @@
+#include "editor/EditorNodeFactory.h"
 #include "editor/EditorScene.h"
 #include "editor/EditorTesting.h"
 #include "editor/EditorView.h"
-#include "network/NetDocument.h"
 
 #include <QPointer>
 #include <QTemporaryDir>
@@ -15,11 +15,9 @@ using Mode = EditorScene::Mode;
 
 namespace {
 
-using DocumentPtr = std::shared_ptr<const NetDocument>;
-
-DocumentPtr open(const QString& file)
+std::shared_ptr<NetEditor> open(const QString& file)
 {
-    return NetReader(NetSearchPath()).read(file).document;
+    return std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document);
 }
 
 // A graph with folders, a node without definition, and a connection to nowhere.
@@ -76,20 +74,20 @@ void tst_EditorScene::scopes_areShownWhole()
 {
     QFETCH(QString, file);
     const Noise noise;
-    const DocumentPtr document = open(file);
-    QVERIFY(document);
-    for (const NetScope& scope : document->scopes()) {
-        EditorScene scene(document, scope.index);
+    const std::shared_ptr<NetEditor> editor = open(file);
+    for (const NetScope& scope : editor->document().scopes()) {
+        EditorScene scene(editor, scope.index);
         QCOMPARE(scene.nodes().size(), scope.nodes.size());
         QCOMPARE(scene.connectionCount(), scope.connections.size());
         for (const NetConnection& each : scope.connections) {
             const NetNode& source = scope.nodes.at(each.sourceNode);
             const NetNode& dest = scope.nodes.at(each.destNode);
-            const OrvNgEdge* edge
-                = scene.node(each.destNode)->input(dest.inputs.at(each.destPort).name);
+            const OrvNgEdge* edge = scene.edgeOf({each.destNode, each.destPort});
             QVERIFY(edge);
+            QCOMPARE(edge->text(), EditorNodeFactory::inputName(dest, each.destPort));
             QCOMPARE(edge->sourceNode(), scene.node(each.sourceNode));
-            QCOMPARE(edge->sourceOutputPoint(), source.outputs.at(each.sourcePort).name);
+            QCOMPARE(
+                edge->sourceOutputPoint(), EditorNodeFactory::outputName(source, each.sourcePort));
         }
     }
     flush();
@@ -99,7 +97,7 @@ void tst_EditorScene::scopes_areShownWhole()
 void tst_EditorScene::ports_haveNamesFoldersAndColours()
 {
     EditorScene scene(open(m_Small), 0);
-    OrvNgExtendedNode* second = scene.node(1);
+    auto* second = dynamic_cast<OrvNgExtendedNode*>(scene.node(1));
     QCOMPARE(second->text(), QStringLiteral("second"));
     QCOMPARE(second->category(), QStringLiteral("Math"));
     QCOMPARE(second->inputPort(QStringLiteral("in"))->text(), QStringLiteral("Colour"));
@@ -121,7 +119,8 @@ void tst_EditorScene::brokenConnection_isMarked()
 {
     EditorScene scene(open(m_Small), 0);
     QCOMPARE(scene.connectionCount(), 2);
-    const QString label = scene.node(1)->inputPort(QStringLiteral("weight"))->text();
+    auto* node = dynamic_cast<OrvNgExtendedNode*>(scene.node(1));
+    const QString label = node->inputPort(QStringLiteral("weight"))->text();
     QVERIFY2(label.contains(QStringLiteral("nobody")), qPrintable(label));
 }
 
@@ -134,12 +133,14 @@ void tst_EditorScene::headerClick_cyclesTheMode()
     view.resize(900, 600);
     view.show();
     view.lookAt(scene.node(1)->sceneBoundingRect().center(), 1.0);
-    const auto click = [&](OrvNgExtendedNode* node) {
+    const auto modeOf
+        = [](OrvNgNode* node) { return dynamic_cast<OrvNgExtendedNode*>(node)->portListMode(); };
+    const auto click = [&](OrvNgNode* node) {
         const QRectF header = node->mapRectToScene(node->nodeShapeRect());
         QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier,
             view.mapFromScene(
                 header.topRight() + QPointF(-header.height() / 2, header.height() / 2)));
-        return static_cast<int>(node->portListMode());
+        return static_cast<int>(modeOf(node));
     };
     const qreal expanded = scene.node(1)->boundingRect().height();
     QCOMPARE(click(scene.node(1)), static_cast<int>(Mode::PORT_LIST_GROUPED));
@@ -148,7 +149,7 @@ void tst_EditorScene::headerClick_cyclesTheMode()
     QCOMPARE(click(scene.node(1)), static_cast<int>(Mode::PORT_LIST_COLLAPSED));
     QCOMPARE(click(scene.node(1)), static_cast<int>(Mode::PORT_LIST_EXPANDED));
     QCOMPARE(scene.node(1)->boundingRect().height(), expanded);
-    QCOMPARE(scene.node(0)->portListMode(), Mode::PORT_LIST_EXPANDED);
+    QCOMPARE(modeOf(scene.node(0)), Mode::PORT_LIST_EXPANDED);
 }
 
 void tst_EditorScene::teardown_inEveryOrder_data()
@@ -170,13 +171,13 @@ void tst_EditorScene::teardown_inEveryOrder()
     view->resize(600, 400);
     view->show();
     view->frame(EditorScene::boundsOf(scene->nodes()));
-    OrvNgExtendedNode* middle = scene->node(1);
+    OrvNgNode* middle = scene->node(1);
     const QPoint header = view->mapFromScene(middle->mapToScene(QPointF(20, 10)));
     // Selected and held by the mouse when the end comes.
     QTest::mousePress(view->viewport(), Qt::LeftButton, Qt::NoModifier, header);
     QVERIFY(middle->isSelected());
-    QVector<QPointer<OrvNgExtendedNode>> items;
-    for (OrvNgExtendedNode* node : scene->nodes())
+    QVector<QPointer<OrvNgNode>> items;
+    for (OrvNgNode* node : scene->nodes())
         items.append(node);
     const QStringList steps = order.split(QLatin1Char(' '));
     for (const QString& step : steps) {

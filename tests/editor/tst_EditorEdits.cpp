@@ -1,0 +1,509 @@
+#include "editor/EditorNavigator.h"
+#include "editor/EditorPortColors.h"
+#include "editor/EditorScene.h"
+#include "editor/EditorTesting.h"
+#include "editor/EditorView.h"
+#include "support/TestTable.h"
+
+#include <OrvCore/OrvUndoManager.h>
+#include <OrvCoreModules/OrvShaderNetworkManager.h>
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUndoStack>
+
+#include <OrvNodeGraph/OrvNgEdge.h>
+#include <OrvNodeGraph/OrvNgPort.h>
+
+using namespace EditorTesting;
+
+namespace {
+
+// a feeds b feeds c; d is free, p takes colours only. Far enough apart for ports to lie bare.
+const char kChain[] = R"(<?xml version="1.0"?>
+<materialx version="1.39">
+  <nodedef name="ND_give" node="give" nodegroup="math">
+    <output name="out" type="float" />
+  </nodedef>
+  <nodedef name="ND_both" node="both" nodegroup="math">
+    <input name="tint" type="color3" value="1, 1, 1" />
+    <input name="in1" type="float" value="0" />
+    <input name="in2" type="float" value="0" />
+    <output name="out" type="float" />
+  </nodedef>
+  <nodedef name="ND_paint" node="paint" nodegroup="math">
+    <input name="color" type="color3" value="0, 0, 0" />
+    <output name="out" type="color3" />
+  </nodedef>
+  <give name="a" type="float" xpos="0" ypos="0" />
+  <both name="b" type="float" xpos="3" ypos="0"><!-- the middle -->
+    <input name="in1" type="float" nodename="a" />
+  </both>
+  <both name="c" type="float" xpos="6" ypos="0">
+    <input name="in1" type="float" nodename="b" />
+  </both>
+  <both name="d" type="float" xpos="1" ypos="2.5" />
+  <paint name="p" type="color3" xpos="5" ypos="2.5" />
+  <nodegraph name="inner" xpos="7" ypos="2.5">
+    <both name="deep" type="float" xpos="0" ypos="0" />
+    <output name="out" type="float" nodename="deep" />
+  </nodegraph>
+</materialx>
+)";
+
+QUndoStack& history()
+{
+    return *OrvUndoManager::instance().undoStack();
+}
+
+/// The document in a view of its own, and a mouse.
+struct Stage
+{
+    std::shared_ptr<NetEditor> m_Editor;
+    std::unique_ptr<EditorScene> m_Scene;
+    EditorView m_View{nullptr};
+    QStringList m_Status;
+    Qt::MouseButtons m_Held;
+
+    explicit Stage(const QString& file)
+        : m_Editor(std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document))
+        , m_Scene(std::make_unique<EditorScene>(m_Editor, 0))
+    {
+        history().clear();
+        QObject::connect(m_Scene.get(), &EditorScene::status,
+            [this](const QString& text) { m_Status.append(text); });
+        m_View.setScene(m_Scene.get());
+        m_View.init();
+        m_View.resize(1400, 700);
+        m_View.show();
+        m_View.lookAt(EditorScene::boundsOf(m_Scene->nodes()).center(), 1.0);
+        if (!QTest::qWaitForWindowExposed(&m_View))
+            qFatal("the view is not shown");
+        // The view scrolls while the real cursor is near its border and something is carried.
+        QCursor::setPos(m_View.mapToGlobal(m_View.rect().center()));
+        flush();
+    }
+    ~Stage()
+    {
+        history().clear();
+        m_View.setScene(nullptr);
+    }
+
+    int index(const char* name) const
+    {
+        const QVector<NetNode>& nodes = m_Scene->scope().nodes;
+        for (int i = 0; i < nodes.size(); ++i) {
+            if (nodes.at(i).name == QLatin1String(name))
+                return i;
+        }
+        return -1;
+    }
+    OrvNgNode* node(const char* name) const { return m_Scene->node(index(name)); }
+    OrvNgPort* port(const char* nodeName, const char* name) const
+    {
+        auto* item = dynamic_cast<OrvNgExtendedNode*>(node(nodeName));
+        OrvNgPort* input = item->inputPort(QLatin1String(name));
+        return input ? input : item->outputPort(QLatin1String(name));
+    }
+    OrvNgEdge* edge(const char* nodeName, const char* input) const
+    {
+        return node(nodeName)->input(QLatin1String(input));
+    }
+    QPoint at(const QPointF& scenePos) const { return m_View.mapFromScene(scenePos); }
+    QPoint atPort(const char* nodeName, const char* name) const
+    {
+        return at(port(nodeName, name)->portRectMappedToScene().center());
+    }
+    QPoint atHeader(const char* name) const
+    {
+        const QRectF header = node(name)->mapRectToScene(node(name)->nodeShapeRect());
+        return at(header.center());
+    }
+
+    void send(QEvent::Type type, const QPoint& pos, Qt::MouseButton button)
+    {
+        QMouseEvent event(
+            type, pos, m_View.viewport()->mapToGlobal(pos), button, m_Held, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_View.viewport(), &event);
+    }
+    void press(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton)
+    {
+        m_Held |= button;
+        send(QEvent::MouseButtonPress, pos, button);
+    }
+    void move(const QPoint& pos)
+    {
+        send(QEvent::MouseMove, pos, Qt::NoButton);
+        QCoreApplication::processEvents();
+    }
+    void release(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton)
+    {
+        m_Held &= ~Qt::MouseButtons(button);
+        send(QEvent::MouseButtonRelease, pos, button);
+    }
+    void click(const QPoint& pos)
+    {
+        press(pos);
+        release(pos);
+    }
+    void drag(const QPoint& from, const QPoint& to)
+    {
+        press(from);
+        for (int i = 1; i <= 4; ++i)
+            move(from + (to - from) * i / 4);
+        move(to); // edges are looked for where the node was before the move
+        release(to);
+    }
+    /// Pulls an edge out of a port and drops it with a second click.
+    void connectPorts(const QPoint& from, const QPoint& to)
+    {
+        drag(from, to);
+        click(to);
+    }
+
+    /// The connections on the screen, "a>b.in1", in alphabetic order; a dot is called "dot".
+    QString shown() const
+    {
+        QStringList all;
+        for (OrvNgNode* dest : m_Scene->nodes()) {
+            for (OrvNgEdge* each : dest->inputs()) {
+                if (each->isFullConnected())
+                    all.append(QStringLiteral("%1>%2.%3")
+                                   .arg(nameOf(each->sourceNode()), nameOf(dest), each->text()));
+            }
+        }
+        all.sort();
+        return all.join(QLatin1Char(' '));
+    }
+    QString nameOf(OrvNgNode* item) const
+    {
+        const NetNode& model = m_Scene->scope().nodes.at(m_Scene->indexOf(item));
+        return model.isDot() ? QStringLiteral("dot") : model.name;
+    }
+    /// Whether the screen shows the very connections and places that the model has.
+    bool isTrue() const
+    {
+        const NetScope& scope = m_Scene->scope();
+        bool result = m_Scene->connectionCount() == scope.connections.size();
+        for (const NetConnection& each : scope.connections) {
+            const OrvNgEdge* shownEdge = m_Scene->edgeOf({each.destNode, each.destPort});
+            result
+                = result && shownEdge && shownEdge->sourceNode() == m_Scene->node(each.sourceNode);
+        }
+        for (int i = 0; i < scope.nodes.size(); ++i) {
+            const OrvNgNode* item = m_Scene->node(i);
+            const QPointF apart = item && scope.nodes.at(i).hasPosition
+                ? m_Scene->filePosition(i) - scope.nodes.at(i).position
+                : QPointF();
+            result = result && (item != nullptr) != scope.nodes.at(i).removed
+                && apart.manhattanLength() < 1e-6;
+        }
+        return result;
+    }
+};
+
+using Gesture = void (*)(Stage&);
+
+const char kAsRead[] = "a>b.in1 b>c.in1";
+
+} // namespace
+
+Q_DECLARE_METATYPE(Gesture)
+
+/// What a user does with the mouse, end to end: one undo step each, and the document follows.
+class tst_EditorEdits : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void gesture_isOneStepThereAndBack_data();
+    void gesture_isOneStepThereAndBack();
+    void refusedGesture_saysWhyAndChangesNothing_data();
+    void refusedGesture_saysWhyAndChangesNothing();
+    void carriedEdge_marksWhatWouldTakeIt_data();
+    void carriedEdge_marksWhatWouldTakeIt();
+    void snapping_leavesTheModelsPlacesAlone();
+    void undoElsewhere_showsThatScope();
+    void undoOfADot_whileItIsDragged();
+
+private:
+    QTemporaryDir m_Folder;
+    QString m_Chain;
+};
+
+void tst_EditorEdits::initTestCase()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
+    m_Chain = writeFile(QDir(m_Folder.path()), QStringLiteral("chain.mtlx"), kChain);
+}
+
+void tst_EditorEdits::gesture_isOneStepThereAndBack_data()
+{
+    const TestTable<Gesture, QString, QString> row("gesture", "step", "connections");
+    row(
+        "connect", [](Stage& s) { s.connectPorts(s.atPort("a", "out"), s.atPort("d", "in2")); },
+        "Connect a.out to d.in2", "a>b.in1 a>d.in2 b>c.in1");
+    row(
+        "connect backwards",
+        [](Stage& s) { s.connectPorts(s.atPort("d", "in1"), s.atPort("a", "out")); },
+        "Connect a.out to d.in1", "a>b.in1 a>d.in1 b>c.in1");
+    row(
+        "replace a source",
+        [](Stage& s) { s.connectPorts(s.atPort("d", "out"), s.atPort("c", "in1")); },
+        "Connect d.out to c.in1", "a>b.in1 d>c.in1");
+    row(
+        "carry to another input",
+        [](Stage& s) { s.drag(s.atPort("c", "in1") - QPoint(14, 0), s.atPort("c", "in2")); },
+        "Moved output b.out from c.in1 to c.in2", "a>b.in1 b>c.in2");
+    row(
+        "pull off",
+        [](Stage& s) {
+            s.drag(s.atPort("c", "in1") - QPoint(14, 0), s.atPort("c", "in1") - QPoint(60, 90));
+        },
+        "Disconnect c.in1", "a>b.in1");
+    row(
+        "move one", [](Stage& s) { s.drag(s.atHeader("d"), s.atHeader("d") + QPoint(37, 21)); },
+        "Move node d", kAsRead);
+    row(
+        "move three",
+        [](Stage& s) {
+            s.m_Scene->selectAll();
+            s.node("c")->setSelected(false);
+            s.node("inner")->setSelected(false);
+            s.node("p")->setSelected(false);
+            s.drag(s.atHeader("b"), s.atHeader("b") + QPoint(-20, 15));
+        },
+        "Move 3 nodes", kAsRead);
+    row(
+        "move, button lost",
+        [](Stage& s) {
+            s.press(s.atHeader("d"));
+            s.move(s.atHeader("d") + QPoint(40, 30));
+            s.node("d")->ungrabMouse();
+        },
+        "Move node d", kAsRead);
+    row(
+        "drop on an edge",
+        [](Stage& s) {
+            const QPoint middle
+                = (s.atPort("b", "out") + s.atPort("c", "in1")) / 2; // both at one height or near
+            s.drag(s.atHeader("d"), middle);
+        },
+        "Insert 'd' into 'b.out'-'c.in1'", "a>b.in1 b>d.in1 d>c.in1");
+    row(
+        "dot",
+        [](Stage& s) {
+            s.m_Scene->setDotMode(true);
+            s.click((s.atPort("b", "out") + s.atPort("c", "in1")) / 2);
+        },
+        "Insert a dot into c.in1", "a>b.in1 b>dot.Input dot>c.in1");
+    row(
+        "delete",
+        [](Stage& s) {
+            s.click(s.atHeader("b"));
+            s.m_Scene->deleteSelection();
+        },
+        "Delete b", "");
+    row(
+        "delete all",
+        [](Stage& s) {
+            s.m_Scene->selectAll();
+            s.m_Scene->deleteSelection();
+        },
+        "Delete 6 nodes", "");
+    row(
+        "extract", [](Stage& s) { s.m_Scene->extract(s.node("b")); }, "Extract b", "a>c.in1");
+    row(
+        "extract the end", [](Stage& s) { s.m_Scene->extract(s.node("c")); }, "Extract c",
+        "a>b.in1");
+    row(
+        "extract the start", [](Stage& s) { s.m_Scene->extract(s.node("a")); }, "Extract a",
+        "b>c.in1");
+    row(
+        "arrange", [](Stage& s) { s.m_Scene->arrange(); }, "Arrange 6 nodes", kAsRead);
+}
+
+void tst_EditorEdits::gesture_isOneStepThereAndBack()
+{
+    QFETCH(Gesture, gesture);
+    QFETCH(QString, step);
+    QFETCH(QString, connections);
+    const Noise noise;
+    Stage stage(m_Chain);
+    QCOMPARE(stage.shown(), QLatin1String(kAsRead));
+    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+
+    gesture(stage);
+    flush();
+    QCOMPARE(stage.m_Status, QStringList());
+    QCOMPARE(history().count(), 1);
+    QCOMPARE(history().undoText(), step);
+    QCOMPARE(stage.shown(), connections);
+    QVERIFY(stage.isTrue());
+    const QByteArray changed = stage.m_Editor->text();
+    QVERIFY(changed != kChain);
+
+    history().undo();
+    flush();
+    QCOMPARE(stage.shown(), QLatin1String(kAsRead));
+    QVERIFY(stage.isTrue());
+    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+    history().redo();
+    flush();
+    QCOMPARE(stage.shown(), connections);
+    QVERIFY(stage.isTrue());
+    QCOMPARE(stage.m_Editor->text(), changed);
+    for (const QString& heard : noise.heard())
+        QVERIFY2(heard.contains(QStringLiteral("[ -- ]")), qPrintable(heard)); // traces only
+}
+
+void tst_EditorEdits::refusedGesture_saysWhyAndChangesNothing_data()
+{
+    const TestTable<Gesture, QString> row("gesture", "why");
+    row(
+        "another type",
+        [](Stage& s) { s.connectPorts(s.atPort("a", "out"), s.atPort("p", "color")); }, "color3");
+    row(
+        "a cycle", [](Stage& s) { s.connectPorts(s.atPort("c", "out"), s.atPort("b", "in2")); },
+        "circle");
+    row(
+        "no input of the type",
+        [](Stage& s) { s.connectPorts(s.atPort("a", "out"), s.atHeader("p")); }, "float");
+    row(
+        "inserted between other types",
+        [](Stage& s) {
+            const QPoint middle = (s.atPort("b", "out") + s.atPort("c", "in1")) / 2;
+            s.drag(s.atHeader("p"), middle);
+        },
+        "float");
+}
+
+void tst_EditorEdits::refusedGesture_saysWhyAndChangesNothing()
+{
+    QFETCH(Gesture, gesture);
+    QFETCH(QString, why);
+    Stage stage(m_Chain);
+    gesture(stage);
+    QCOMPARE(stage.m_Status.size(), 1);
+    QVERIFY2(stage.m_Status.constFirst().contains(why), qPrintable(stage.m_Status.constFirst()));
+    QCOMPARE(stage.shown(), QLatin1String(kAsRead));
+    QVERIFY(stage.isTrue());
+    while (history().canUndo()) { // the node that was not inserted lies where it was dropped
+        QVERIFY(history().undoText().startsWith(QStringLiteral("Move")));
+        history().undo();
+    }
+    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+}
+
+void tst_EditorEdits::carriedEdge_marksWhatWouldTakeIt_data()
+{
+    const TestTable<Gesture> row("end");
+    row("dropped", [](Stage& s) { s.click(s.atPort("d", "in1")); });
+    row("cancelled", [](Stage& s) {
+        s.press(s.atPort("d", "in1"), Qt::RightButton);
+        s.release(s.atPort("d", "in1"), Qt::RightButton);
+    });
+    row("source deleted", [](Stage& s) {
+        s.node("b")->setSelected(true);
+        s.m_Scene->deleteSelection();
+    });
+    row("window left", [](Stage& s) { s.m_Scene->mouseGrabberItem()->ungrabMouse(); });
+}
+
+void tst_EditorEdits::carriedEdge_marksWhatWouldTakeIt()
+{
+    QFETCH(Gesture, end);
+    Stage stage(m_Chain);
+    const auto colorOf = [&stage](const char* node, const char* port) {
+        flush();
+        const QImage image = stage.m_View.viewport()->grab().toImage();
+        return image.pixelColor(stage.atPort(node, port)).name();
+    };
+    const QString type = QStringLiteral("float");
+    const QString free = EditorPortColors::color(type, false).name();
+    QCOMPARE(colorOf("d", "in2"), free);
+    stage.drag(stage.atPort("b", "out"), stage.at(stage.node("d")->scenePos()) - QPoint(60, 60));
+
+    QCOMPARE(colorOf("d", "in2"), EditorPortColors::offeredColor(type).name());
+    QVERIFY(colorOf("a", "out") != EditorPortColors::color(type, true).name());
+    const auto stepsBack = [&stage](const char* node) { return stage.node(node)->opacity() < 1; };
+    QVERIFY(stepsBack("a")); // would close a cycle
+    QVERIFY(!stepsBack("b")); // where the edge comes from
+    QVERIFY(stepsBack("p")); // another type
+    QVERIFY(!stepsBack("c"));
+
+    end(stage);
+    QCOMPARE(colorOf("d", "in2"), free);
+    for (OrvNgNode* node : stage.m_Scene->nodes())
+        QCOMPARE(node->opacity(), 1.0);
+}
+
+void tst_EditorEdits::snapping_leavesTheModelsPlacesAlone()
+{
+    OrvShaderNetworkManager* grid = OrvShaderNetworkManager::instance();
+    grid->setSnapToGrid(true);
+    {
+        Stage stage(m_Chain);
+        QVERIFY(stage.isTrue());
+        stage.drag(stage.atHeader("d"), stage.atHeader("d") + QPoint(33, 27));
+        QCOMPARE(history().undoText(), QStringLiteral("Move node d"));
+        history().undo();
+        QVERIFY(stage.isTrue());
+        QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+        QVERIFY(grid->snapToGrid());
+    }
+    grid->setSnapToGrid(false);
+}
+
+void tst_EditorEdits::undoElsewhere_showsThatScope()
+{
+    history().clear();
+    EditorView view(nullptr);
+    {
+        EditorNavigator navigator(&view);
+        navigator.setDocument(
+            std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(m_Chain).document), 1);
+        const QSignalSpy shown(&navigator, &EditorNavigator::scopeChanged);
+        navigator.scene()->extract(navigator.scene()->node(0));
+        flush();
+        QCOMPARE(history().undoText(), QStringLiteral("Extract deep"));
+        QCOMPARE(shown.count(), 0);
+        navigator.showScope(0);
+        history().undo();
+        flush();
+        QCOMPARE(navigator.scopeIndex(), 1);
+        QCOMPARE(navigator.scene()->connectionCount(), 1);
+        view.setScene(nullptr);
+    }
+    history().clear();
+}
+
+// The move of a node that goes in the same moment must not become a step inside the undo.
+void tst_EditorEdits::undoOfADot_whileItIsDragged()
+{
+    Stage stage(m_Chain);
+    stage.m_Scene->setDotMode(true);
+    const QPoint middle = (stage.atPort("b", "out") + stage.atPort("c", "in1")) / 2;
+    stage.click(middle);
+    stage.m_Scene->setDotMode(false);
+    const int dot = stage.m_Scene->scope().nodes.size() - 1;
+    const QPoint center = stage.at(stage.m_Scene->node(dot)->sceneBoundingRect().center());
+    QVERIFY((center - middle).manhattanLength() <= 2); // where the marker was
+    stage.press(center);
+    stage.move(center + QPoint(0, 50));
+    history().undo();
+    flush();
+    stage.release(center + QPoint(0, 50));
+    flush();
+    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+    QVERIFY(stage.isTrue());
+    QVERIFY(history().canRedo());
+    history().redo();
+    QVERIFY(stage.isTrue());
+}
+
+QTEST_MAIN(tst_EditorEdits)
+#include "tst_EditorEdits.moc"
