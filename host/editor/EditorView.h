@@ -1,16 +1,27 @@
 #pragma once
 
+#include "editor/EditorPress.h"
+#include "editor/EditorWheelSteps.h"
+
+#include <QFlags>
 #include <QPointF>
 #include <QRectF>
 #include <QTransform>
 
 #include <OrvNodeGraph/OrvNgView.h>
+#include <functional>
 
-/// The editor's view: zooms about the mouse, frames rectangles, and remembers where it looked.
+class QGestureEvent;
+class QNativeGestureEvent;
+class OrvNgEdge;
+
+/// The editor's view: zooms about the mouse with every kind of wheel and touchpad, frames rectangles,
+/// remembers where it looked, knows the keys that mean something while they are held, and gives up what the
+/// mouse is doing.
 ///
-/// Called by  EditorWindow.
-/// Uses       OrvNgView.
-/// Tells      the window the scale, through scaleChanged.
+/// Called by  EditorNavigator, EditorWindow.
+/// Uses       OrvNgView, EditorWheelSteps, EditorPress, the shortcut manager (Tab).
+/// Tells      the window, through its signals.
 class EditorView : public OrvNgView
 {
     Q_OBJECT
@@ -22,6 +33,14 @@ public:
         QTransform transform;
         QPointF center;
     };
+
+    /// What a key means while it is held.
+    enum HeldKey {
+        HeldCut = 1, ///< C: a drag cuts edges
+        HeldDot = 2, ///< D: edges show where a dot can be put in
+        HeldPlace = 4 ///< S: a dragged node is not put into the edge below it
+    };
+    Q_DECLARE_FLAGS(HeldKeys, HeldKey)
 
     explicit EditorView(QWidget* parent);
 
@@ -38,15 +57,62 @@ public:
     void setNavigationScheme(const QString& scheme) { m_NavigationScheme = scheme; }
     const QString& navigationScheme() const { return m_NavigationScheme; }
 
+    // What the user is doing
+
+    HeldKeys heldKeys() const { return m_Held; }
+    /// A mouse button that went down here is not up yet: something may be under way that an undo would
+    /// disturb.
+    bool isMouseHeld() const { return m_MouseHeld; }
+    /// Gives up what the mouse is doing: an edge goes home, a path cuts nothing, dragged nodes go back, a
+    /// band selects nothing. False when there was nothing.
+    bool cancel();
+
+    bool isAutoInsertOn() override { return !m_Held.testFlag(HeldPlace); }
+
 Q_SIGNALS:
     /// The scale of the last paint differs from the one before; 1 is 100 %.
     void scaleChanged(double scale);
+    void heldKeysChanged(EditorView::HeldKeys held);
+    void mouseHeldChanged(bool held);
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
+    void zoomAbout(const QPointF& viewPos, const std::function<void()>& zoom);
+    void panBy(const QPointF& pixels);
+    bool zoomByGesture(const QNativeGestureEvent* event);
+    bool zoomByGesture(QGestureEvent* event);
+
+    void setHeld(HeldKeys held);
+    void letGoOfKeys();
+    void followCutKey();
+    void setMouseHeld(bool held);
+    bool cancelEdge(OrvNgEdge* edge);
+    bool cancelCut();
+    bool cancelNodeDrag();
+    bool cancelBand();
+
     QRectF m_FrameWhenShown;
     double m_PaintedScale = 0;
+    EditorWheelSteps m_WheelSteps;
+    EditorPress m_Press;
+    HeldKeys m_Held;
+    bool m_Cutting = false; ///< the cursor cuts; outlasts the key until the button is up
+    bool m_MouseHeld = false;
+    bool m_BandPossible = false; ///< the left button went down and nothing took it
 };
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(EditorView::HeldKeys)
