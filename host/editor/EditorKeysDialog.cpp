@@ -50,6 +50,28 @@ QString menuRows(const QMenu* menu)
 
 } // namespace
 
+QString EditorKeysDialog::heldRows()
+{
+    return heading(tr("While held")) + row(tr("C"), tr("Drag across edges to cut them"))
+        + row(tr("D"), tr("Click the marker of an edge to put a dot into it"))
+        + row(tr("S"), tr("A dragged node is not put into the edge below it"))
+        + row(tr("Escape"), tr("Give up what the mouse is doing"));
+}
+
+QString EditorKeysDialog::mouseRows()
+{
+    return heading(tr("Mouse")) + row(tr("Wheel, pinch"), tr("Zoom about the mouse"))
+        + row(tr("Middle button, two fingers"), tr("Pan"))
+        + row(tr("Alt + Middle button"), tr("Zoom by dragging"))
+        + row(tr("Left button on a port, on an edge's end"), tr("Connect, reconnect"))
+        + row(tr("Left button on empty space"), tr("Select by a band"))
+        + row(tr("Shift, Ctrl, both"), tr("Add to, take from, toggle the selection"))
+        + row(tr("Drop a node on an edge"), tr("Put it in"))
+        + row(tr("Shake a dragged node"), tr("Take it out of its chain"))
+        + row(tr("Button at the right of a header"), tr("Next port list mode"))
+        + row(tr("Double click"), tr("Enter a graph"));
+}
+
 EditorKeysDialog::EditorKeysDialog(const QMenuBar* menus, QWidget* parent)
     : QDialog(parent)
 {
@@ -60,12 +82,7 @@ EditorKeysDialog::EditorKeysDialog(const QMenuBar* menus, QWidget* parent)
         if (action->menu())
             html += menuRows(action->menu());
     }
-    html += heading(tr("Mouse"));
-    html += row(tr("Wheel"), tr("Zoom about the mouse"));
-    html += row(tr("Middle button"), tr("Pan"));
-    html += row(tr("Alt + Middle button"), tr("Zoom by dragging"));
-    html += row(tr("Button at the right of a header"), tr("Next port list mode"));
-    html += row(tr("Double click"), tr("Enter a graph"));
+    html += heldRows() + mouseRows();
     html += QStringLiteral("</table>");
 
     auto* column = new QVBoxLayout(this);

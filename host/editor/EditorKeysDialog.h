@@ -4,8 +4,8 @@
 
 class QMenuBar;
 
-/// The overview of keys and mouse: every menu action that has a key, and what the mouse does in the
-/// graph.
+/// The overview of keys and mouse: every menu action that has a key, what keys mean while they are held, and
+/// what the mouse does in the graph.
 ///
 /// Called by  EditorWindow.
 /// Uses       the actions of a menu bar, so that the overview is never behind them.
@@ -16,4 +16,8 @@ class EditorKeysDialog : public QDialog
 
 public:
     explicit EditorKeysDialog(const QMenuBar* menus, QWidget* parent = nullptr);
+
+private:
+    static QString heldRows();
+    static QString mouseRows();
 };

@@ -147,6 +147,7 @@ EditorOptions EditorOptions::parse(const QStringList& arguments)
         return options;
     }
     options.error = readValues(parser, &options);
+    options.hasSize = parser.isSet(sizeOption());
     options.file = parser.positionalArguments().value(0);
     options.searchPath = parser.values(searchPathOption());
     options.graph = parser.value(graphOption());

@@ -16,6 +16,7 @@ struct EditorOptions
     QString graph; ///< empty: the scope worth showing first
     QString screenshot; ///< empty: open a window
     QSize size{1600, 1000}; ///< of the window, in pixels
+    bool hasSize = false; ///< the line asks for the size
     int zoom = 0; ///< percent; 0 frames everything
     int mode = 0; ///< OrvNgExtendedNode::PortListMode
     QString error; ///< one sentence when the line makes no sense; the rest is then unset

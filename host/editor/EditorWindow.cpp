@@ -1,26 +1,34 @@
 #include "editor/EditorWindow.h"
 
 #include "editor/EditorBreadcrumbBar.h"
+#include "editor/EditorHistory.h"
 #include "editor/EditorMessageBar.h"
 #include "editor/EditorNavigator.h"
+#include "editor/EditorQuestions.h"
+#include "editor/EditorSaving.h"
 #include "editor/EditorView.h"
 #include "network/NetEditor.h"
 #include "network/NetReader.h"
 
+#include <OrvCore/OrvUndoManager.h>
+
 #include <QAction>
+#include <QCloseEvent>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 namespace {
 
-constexpr int kHintTime = 4000; // milliseconds
+constexpr int kStatusTime = 6000; // milliseconds
 
 /// The waiting cursor, for as long as it lives.
 class WaitCursor
@@ -49,22 +57,58 @@ EditorWindow::EditorWindow(const NetSearchPath& searchPath, QWidget* parent)
     setWindowTitle(QCoreApplication::applicationName());
     buildBars();
     m_Navigator = new EditorNavigator(m_View, this);
+    m_History = new EditorHistory(m_View, this);
+    m_Saving = new EditorSaving(m_Navigator, m_MessageBar, this);
+    buildMenus();
+    connectParts();
+    for (QAction* action : {m_Save, m_SaveAs, m_Reload, m_Leave})
+        action->setEnabled(false);
+    m_View->setFocus();
+}
+
+void EditorWindow::connectParts()
+{
     connect(m_Navigator, &EditorNavigator::scopeChanged, this, &EditorWindow::followScope);
     connect(m_Breadcrumbs, &EditorBreadcrumbBar::scopeClicked, m_Navigator,
         &EditorNavigator::showScope);
     connect(m_View, &EditorView::scaleChanged, this,
         [this](double scale) { m_Scale->setText(tr("%1 %").arg(qRound(scale * 100))); });
-    buildMenus();
-    m_Reload->setEnabled(false);
-    m_Leave->setEnabled(false);
-    m_View->setFocus();
+    connect(m_View, &EditorView::heldKeysChanged, this, &EditorWindow::followHeldKeys);
+    connect(m_View, &EditorView::shakeToExtractTriggered, this, [this] {
+        if (scene())
+            scene()->extractSelection();
+    });
+    connect(m_History, &EditorHistory::status, this, &EditorWindow::showStatus);
+    connect(m_Saving, &EditorSaving::saved, this, &EditorWindow::followSave);
+    const QUndoStack* stack = OrvUndoManager::instance().undoStack();
+    connect(stack, &QUndoStack::cleanChanged, this, &EditorWindow::showTitle);
+    connect(stack, &QUndoStack::indexChanged, this, &EditorWindow::showFacts);
 }
 
 EditorWindow::~EditorWindow()
 {
+    // The history is everybody's, and knows this window's documents.
+    m_History->clear();
     // The scenes are the navigator's, the view is the central widget's: neither dies with the
     // other.
     m_View->setScene(nullptr);
+}
+
+void EditorWindow::useSettings(EditorSettings settings)
+{
+    m_Settings = std::move(settings);
+    m_Settings.restoreGrid();
+    m_Shake->setChecked(m_Settings.isShakeOn());
+}
+
+bool EditorWindow::restorePlace()
+{
+    return m_Settings.restoreWindow(this);
+}
+
+void EditorWindow::setQuestions(std::unique_ptr<EditorQuestions> questions)
+{
+    m_Saving->setQuestions(std::move(questions));
 }
 
 void EditorWindow::buildBars()
@@ -99,6 +143,7 @@ bool EditorWindow::read(const QString& path, const QString& scopePath)
         return false;
     }
     const int wanted = scopePath.isNull() ? -1 : result.document->indexOfScope(scopePath);
+    m_History->clear(); // before the document of which it knows goes
     m_Navigator->setDocument(std::make_shared<NetEditor>(result.document),
         wanted < 0 ? result.document->firstScope() : wanted);
     m_MessageBar->setMessages(QString(), m_Messages);
@@ -107,13 +152,22 @@ bool EditorWindow::read(const QString& path, const QString& scopePath)
 
 bool EditorWindow::openFile(const QString& path)
 {
-    return read(path, QString());
+    if (!m_Saving->mayLose() || !read(path, QString()))
+        return false;
+    m_Settings.addRecentFile(filePath());
+    return true;
+}
+
+void EditorWindow::openRecent(const QString& path)
+{
+    if (!openFile(path) && !QFileInfo::exists(path))
+        m_Settings.removeRecentFile(path);
 }
 
 bool EditorWindow::reload()
 {
     const QString path = filePath();
-    if (path.isEmpty())
+    if (path.isEmpty() || !m_Saving->mayLose())
         return false;
     const QString scopePath = scene()->scope().path;
     const EditorView::Look look = m_View->look();
@@ -125,16 +179,39 @@ bool EditorWindow::reload()
     return true;
 }
 
+bool EditorWindow::save()
+{
+    return m_Saving->save();
+}
+
+bool EditorWindow::saveAs()
+{
+    return m_Saving->saveAs();
+}
+
+/// The document may have another file by now.
+void EditorWindow::followSave(const QString& path)
+{
+    m_Settings.addRecentFile(path);
+    followScope();
+    showStatus(tr("Saved: %1").arg(QDir::toNativeSeparators(path)));
+}
+
 QString EditorWindow::filePath() const
 {
-    return m_Navigator->document() ? m_Navigator->document()->filePath() : QString();
+    return document() ? document()->filePath() : QString();
+}
+
+const NetDocument* EditorWindow::document() const
+{
+    return m_Navigator->document();
 }
 
 bool EditorWindow::showGraph(const QString& pathOrName)
 {
-    if (!m_Navigator->document())
+    if (!document())
         return false;
-    const int scope = m_Navigator->document()->indexOfScope(pathOrName);
+    const int scope = document()->indexOfScope(pathOrName);
     if (scope >= 0 && scope != m_Navigator->scopeIndex())
         m_Navigator->showScope(scope);
     return scope >= 0;
@@ -143,9 +220,9 @@ bool EditorWindow::showGraph(const QString& pathOrName)
 QStringList EditorWindow::graphPaths() const
 {
     QStringList paths;
-    if (!m_Navigator->document())
+    if (!document())
         return paths;
-    for (const NetScope& scope : m_Navigator->document()->scopes()) {
+    for (const NetScope& scope : document()->scopes()) {
         if (scope.parent >= 0)
             paths.append(scope.path);
     }
@@ -159,8 +236,7 @@ EditorScene* EditorWindow::scene() const
 
 void EditorWindow::chooseFile()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open Document"),
-        QFileInfo(filePath()).absolutePath(), tr("Shader networks (*.mtlx);;All files (*)"));
+    const QString path = m_Saving->questions()->pathToOpen(QFileInfo(filePath()).absolutePath());
     if (!path.isEmpty())
         openFile(path);
 }
@@ -207,7 +283,7 @@ void EditorWindow::enterSelected()
     const EditorScene::Nodes selected = scene()->selectedNodes();
     const int index = selected.size() == 1 ? scene()->indexOf(selected.constFirst()) : -1;
     if (!m_Navigator->enter(index))
-        statusBar()->showMessage(tr("Select one node with a graph inside to enter it."), kHintTime);
+        showStatus(tr("Select one node with a graph inside to enter it."));
 }
 
 void EditorWindow::leave()
@@ -217,30 +293,89 @@ void EditorWindow::leave()
 
 void EditorWindow::followScope()
 {
-    const NetDocument& document = *m_Navigator->document();
-    const QString fileName = QFileInfo(document.filePath()).fileName();
     QVector<EditorBreadcrumbBar::Crumb> crumbs;
-    QStringList titles;
-    const QVector<int> trail = document.scopeTrail(m_Navigator->scopeIndex());
-    for (const int scope : trail) {
-        const QString text = scope == 0 ? fileName : document.scopes().at(scope).name;
-        crumbs.append({text, scope});
-        titles.append(text);
-    }
+    const QVector<int> trail = document()->scopeTrail(m_Navigator->scopeIndex());
+    for (const int scope : trail)
+        crumbs.append({scopeTitle(scope), scope});
     m_Breadcrumbs->setTrail(crumbs);
-    setWindowTitle(
-        QStringLiteral("%1 \u2014 %2")
-            .arg(titles.join(QStringLiteral(" \u203A ")), QCoreApplication::applicationName()));
-    m_Reload->setEnabled(true);
+    connect(scene(), &EditorScene::status, this, &EditorWindow::showStatus, Qt::UniqueConnection);
+    for (QAction* action : {m_Save, m_SaveAs, m_Reload})
+        action->setEnabled(true);
     m_Leave->setEnabled(m_Navigator->canLeave());
+    followHeldKeys();
+    showTitle();
     showFacts();
+}
+
+QString EditorWindow::scopeTitle(int scope) const
+{
+    return scope == 0 ? QFileInfo(filePath()).fileName() : document()->scopes().at(scope).name;
+}
+
+void EditorWindow::showTitle()
+{
+    setWindowModified(EditorSaving::isModified());
+    if (!document())
+        return;
+    QStringList titles;
+    const QVector<int> trail = document()->scopeTrail(m_Navigator->scopeIndex());
+    for (const int scope : trail)
+        titles.append(scopeTitle(scope));
+    // In a name the place holder of the modified mark is just three characters.
+    const QString title = titles.join(QStringLiteral(" \u203A "))
+                              .replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+    setWindowTitle(
+        QStringLiteral("%1[*] \u2014 %2").arg(title, QCoreApplication::applicationName()));
+}
+
+/// What holds while keys are held: markers in the scene, and a hint that says so.
+void EditorWindow::followHeldKeys()
+{
+    const EditorView::HeldKeys held = m_View->heldKeys();
+    EditorScene* dotScene = held.testFlag(EditorView::HeldDot) ? scene() : nullptr;
+    if (m_DotScene && m_DotScene != dotScene)
+        m_DotScene->setDotMode(false);
+    if (dotScene && m_DotScene != dotScene)
+        dotScene->setDotMode(true);
+    m_DotScene = dotScene;
+
+    QStringList hints;
+    if (held.testFlag(EditorView::HeldCut))
+        hints.append(tr("Drag across edges to cut them."));
+    if (held.testFlag(EditorView::HeldDot))
+        hints.append(tr("Click a marker to put a dot into its edge."));
+    if (held.testFlag(EditorView::HeldPlace))
+        hints.append(tr("Nodes are not put into the edges below them."));
+    if (!hints.isEmpty())
+        statusBar()->showMessage(hints.join(QLatin1Char(' ')));
+    else if (statusBar()->currentMessage() == m_Hint)
+        statusBar()->clearMessage();
+    m_Hint = hints.join(QLatin1Char(' '));
+}
+
+void EditorWindow::showStatus(const QString& text)
+{
+    statusBar()->showMessage(text, kStatusTime);
 }
 
 void EditorWindow::showFacts()
 {
+    if (!scene())
+        return;
     m_Facts->setText(tr("Nodes: %1    Connections: %2")
                          .arg(scene()->nodes().size())
                          .arg(scene()->connectionCount()));
+}
+
+void EditorWindow::closeEvent(QCloseEvent* event)
+{
+    if (!m_Saving->mayLose()) {
+        event->ignore();
+        return;
+    }
+    m_Settings.keepWindow(*this);
+    m_Settings.keepGrid();
+    event->accept();
 }
 
 void EditorWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -255,5 +390,6 @@ void EditorWindow::dropEvent(QDropEvent* event)
     if (path.isEmpty())
         return;
     event->acceptProposedAction();
-    openFile(path);
+    // Later: a question would keep the program waiting from which the file comes.
+    QTimer::singleShot(0, this, [this, path] { openFile(path); });
 }

@@ -1,24 +1,32 @@
 #pragma once
 
 #include "editor/EditorScene.h"
+#include "editor/EditorSettings.h"
 #include "network/NetMessage.h"
 #include "network/NetSearchPath.h"
 
 #include <QMainWindow>
+#include <QPointer>
+
+#include <memory>
 
 class EditorBreadcrumbBar;
+class EditorHistory;
 class EditorMessageBar;
 class EditorNavigator;
+class EditorQuestions;
+class EditorSaving;
 class EditorView;
 class QAction;
 class QLabel;
 class QMenu;
 
 /// The main window: one view on one scope of one document, with a breadcrumb bar, a message bar, a
-/// status bar and menus. A document that cannot be opened leaves the present one as it is.
+/// status bar and menus. A document that cannot be opened leaves the present one as it is, and so does a
+/// user who wants to keep unsaved changes.
 ///
 /// Called by  main, the user.
-/// Uses       NetReader, EditorNavigator, EditorView.
+/// Uses       NetReader, EditorNavigator, EditorView, EditorHistory, EditorSaving, EditorSettings.
 /// Tells      the user.
 class EditorWindow : public QMainWindow
 {
@@ -29,14 +37,25 @@ public:
         QWidget* parent = nullptr);
     ~EditorWindow() override;
 
+    /// Takes preferences and the list of recent files from there, and keeps them there. Without, nothing is
+    /// kept.
+    void useSettings(EditorSettings settings);
+    /// Puts the window where it was in the last run; false when that is not known.
+    bool restorePlace();
+    /// Who answers the window's questions; without, dialogs ask the user.
+    void setQuestions(std::unique_ptr<EditorQuestions> questions);
+
     // The document
 
-    /// Opens a document at the scope worth showing first. False when it cannot be opened: the
-    /// present one stays, and messages() and the message bar say why.
+    /// Opens a document at the scope worth showing first, with an empty history. False when it cannot be
+    /// opened: the present one stays, and messages() and the message bar say why. False too when the user
+    /// rather keeps the present one's unsaved changes.
     bool openFile(const QString& path);
     /// Reads the present file again and shows the same scope; what was wrong with it shows in the
-    /// message bar. False when it cannot be read, or there is none.
+    /// message bar. False when it cannot be read, there is none, or unsaved changes are kept.
     bool reload();
+    bool save();
+    bool saveAs();
     /// What the last openFile() or reload() had to say.
     const QVector<NetMessage>& messages() const { return m_Messages; }
     /// Absolute path; empty before the first document.
@@ -69,23 +88,38 @@ public Q_SLOTS:
     void showKeys();
 
 protected:
+    void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
     void buildBars();
+    void connectParts();
     void buildMenus();
     void buildFileMenu();
+    void buildRecentMenu(QMenu* menu);
+    void buildEditMenu();
+    void buildSelectMenu();
     void buildViewMenu();
     void buildNodeMenu();
     void buildGoMenu();
+    void buildPreferencesMenu();
     void buildHelpMenu();
     template <typename Receiver, typename Slot>
     QAction* addAction(QMenu* menu, const QString& text, const QList<QKeySequence>& keys,
         Receiver* receiver, Slot slot);
+    QAction* addSceneAction(QMenu* menu, const QString& text, const QList<QKeySequence>& keys,
+        void (EditorScene::*slot)());
 
+    const NetDocument* document() const;
     void followScope();
+    void followSave(const QString& path);
+    void followHeldKeys();
+    QString scopeTitle(int scope) const;
+    void showTitle();
     void showFacts();
+    void showStatus(const QString& text);
+    void openRecent(const QString& path);
     bool read(const QString& path, const QString& scopePath);
 
     NetSearchPath m_SearchPath;
@@ -94,8 +128,16 @@ private:
     EditorNavigator* m_Navigator = nullptr;
     EditorBreadcrumbBar* m_Breadcrumbs = nullptr;
     EditorMessageBar* m_MessageBar = nullptr;
+    EditorHistory* m_History = nullptr;
+    EditorSaving* m_Saving = nullptr;
+    EditorSettings m_Settings;
+    QPointer<EditorScene> m_DotScene; ///< shows the markers for dots, as long as the key is held
+    QString m_Hint; ///< what the held keys do
     QLabel* m_Facts = nullptr;
     QLabel* m_Scale = nullptr;
+    QAction* m_Save = nullptr;
+    QAction* m_SaveAs = nullptr;
     QAction* m_Reload = nullptr;
     QAction* m_Leave = nullptr;
+    QAction* m_Shake = nullptr;
 };

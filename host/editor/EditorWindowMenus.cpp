@@ -1,3 +1,4 @@
+#include "editor/EditorHistory.h"
 #include "editor/EditorKeysDialog.h"
 #include "editor/EditorNavigator.h"
 #include "editor/EditorView.h"
@@ -6,6 +7,8 @@
 #include <OrvCoreModules/OrvShaderNetworkManager.h>
 
 #include <QAction>
+#include <QDir>
+#include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -20,6 +23,12 @@ QKeySequence ctrl(Qt::Key key)
     return QKeySequence(static_cast<int>(Qt::CTRL) | static_cast<int>(key));
 }
 
+QKeySequence ctrlShift(Qt::Key key)
+{
+    return QKeySequence(
+        static_cast<int>(Qt::CTRL) | static_cast<int>(Qt::SHIFT) | static_cast<int>(key));
+}
+
 } // namespace
 
 template <typename Receiver, typename Slot>
@@ -32,12 +41,27 @@ QAction* EditorWindow::addAction(QMenu* menu, const QString& text, const QList<Q
     return action;
 }
 
+/// An action of the scene on show, whichever that is by then; not while the mouse is doing something.
+QAction* EditorWindow::addSceneAction(
+    QMenu* menu, const QString& text, const QList<QKeySequence>& keys, void (EditorScene::*slot)())
+{
+    QAction* action = addAction(menu, text, keys, this, [this, slot] {
+        if (scene())
+            (scene()->*slot)();
+    });
+    connect(m_View, &EditorView::mouseHeldChanged, action, &QAction::setDisabled);
+    return action;
+}
+
 void EditorWindow::buildMenus()
 {
     buildFileMenu();
+    buildEditMenu();
+    buildSelectMenu();
     buildViewMenu();
     buildNodeMenu();
     buildGoMenu();
+    buildPreferencesMenu();
     buildHelpMenu();
 }
 
@@ -45,10 +69,61 @@ void EditorWindow::buildFileMenu()
 {
     QMenu* menu = menuBar()->addMenu(tr("&File"));
     addAction(menu, tr("&Open…"), {ctrl(Qt::Key_O)}, this, &EditorWindow::chooseFile);
+    QMenu* recent = menu->addMenu(tr("Open Re&cent"));
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { buildRecentMenu(recent); });
     m_Reload
         = addAction(menu, tr("&Reload"), {QKeySequence(Qt::Key_F5)}, this, &EditorWindow::reload);
     menu->addSeparator();
+    m_Save = addAction(menu, tr("&Save"), {ctrl(Qt::Key_S)}, this, &EditorWindow::save);
+    m_SaveAs
+        = addAction(menu, tr("Save &As…"), {ctrlShift(Qt::Key_S)}, this, &EditorWindow::saveAs);
+    menu->addSeparator();
     addAction(menu, tr("&Quit"), {ctrl(Qt::Key_Q)}, this, &EditorWindow::close);
+}
+
+void EditorWindow::buildRecentMenu(QMenu* menu)
+{
+    menu->clear();
+    const QStringList files = m_Settings.recentFiles();
+    for (const QString& file : files) {
+        QString text = tr("%1 in %2")
+                           .arg(QFileInfo(file).fileName(),
+                               QDir::toNativeSeparators(QFileInfo(file).absolutePath()));
+        text.replace(QLatin1Char('&'), QLatin1String("&&"));
+        addAction(menu, text, {}, this, [this, file] { openRecent(file); });
+    }
+    menu->addSeparator();
+    addAction(menu, tr("&Clear List"), {}, this, [this] {
+        m_Settings.clearRecentFiles();
+    })->setEnabled(!files.isEmpty());
+}
+
+void EditorWindow::buildEditMenu()
+{
+    QMenu* menu = menuBar()->addMenu(tr("&Edit"));
+    m_History->undoAction()->setShortcuts({ctrl(Qt::Key_Z)});
+    m_History->redoAction()->setShortcuts({ctrlShift(Qt::Key_Z), ctrl(Qt::Key_Y)});
+    menu->addAction(m_History->undoAction());
+    menu->addAction(m_History->redoAction());
+    menu->addSeparator();
+    addSceneAction(menu, tr("&Delete"), {QKeySequence(Qt::Key_Delete), QKeySequence(Qt::Key_X)},
+        &EditorScene::deleteSelection);
+    addSceneAction(
+        menu, tr("&Extract from Chain"), {QKeySequence(Qt::Key_E)}, &EditorScene::extractSelection);
+    menu->addSeparator();
+    QAction* pickUp = addAction(menu, tr("&Pick Up or Drop Edge"), {QKeySequence(Qt::Key_P)},
+        m_View, [this] { m_View->pickUpEdge(); });
+    pickUp->setAutoRepeat(false);
+}
+
+void EditorWindow::buildSelectMenu()
+{
+    QMenu* menu = menuBar()->addMenu(tr("&Select"));
+    addSceneAction(menu, tr("&All"), {ctrl(Qt::Key_A)}, &EditorScene::selectAll);
+    addSceneAction(menu, tr("&Nothing"), {ctrlShift(Qt::Key_A)}, &EditorScene::deselectAll);
+    menu->addSeparator();
+    addSceneAction(menu, tr("&Upstream"), {ctrl(Qt::Key_Left)}, &EditorScene::selectUpstream);
+    addSceneAction(menu, tr("&Downstream"), {ctrl(Qt::Key_Right)}, &EditorScene::selectDownstream);
 }
 
 void EditorWindow::buildViewMenu()
@@ -70,6 +145,12 @@ void EditorWindow::buildViewMenu()
     show->setCheckable(true);
     show->setChecked(grid->showGrid());
     connect(grid, &OrvShaderNetworkManager::showGridChanged, show, &QAction::setChecked);
+    QAction* snap = addAction(menu, tr("Sna&p to Grid"),
+        {QKeySequence(static_cast<int>(Qt::SHIFT) | static_cast<int>(Qt::Key_G))}, grid,
+        [grid](bool snaps) { grid->setSnapToGrid(snaps); });
+    snap->setCheckable(true);
+    snap->setChecked(grid->snapToGrid());
+    connect(grid, &OrvShaderNetworkManager::snapToGridChanged, snap, &QAction::setChecked);
 }
 
 void EditorWindow::buildNodeMenu()
@@ -105,6 +186,18 @@ void EditorWindow::buildGoMenu()
         this, &EditorWindow::enterSelected);
     m_Leave = addAction(menu, tr("&Leave Graph"),
         {QKeySequence(Qt::Key_U), QKeySequence(Qt::Key_Backspace)}, this, &EditorWindow::leave);
+}
+
+void EditorWindow::buildPreferencesMenu()
+{
+    QMenu* menu = menuBar()->addMenu(tr("&Preferences"));
+    m_Shake = menu->addAction(tr("&Shake a Node to Extract It"));
+    m_Shake->setCheckable(true);
+    m_Shake->setChecked(m_View->isShakeDetectionEnabled());
+    connect(m_Shake, &QAction::toggled, this, [this](bool on) {
+        m_View->setShakeDetectionEnabled(on);
+        m_Settings.setShakeOn(on);
+    });
 }
 
 void EditorWindow::buildHelpMenu()

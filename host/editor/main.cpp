@@ -6,10 +6,12 @@
 #include "editor/EditorWindow.h"
 
 #include <QApplication>
+#include <QSettings>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -113,10 +115,15 @@ int run(QApplication* application)
     EditorTheme::apply(application);
     EditorWindow window(NetSearchPath::withEnvironment(options.searchPath));
     window.navigator()->setInitialMode(static_cast<EditorScene::Mode>(options.mode));
-    window.resize(options.size);
+    // A picture shows the same on every machine, and leaves nothing behind.
+    const bool isPicture = !options.screenshot.isEmpty();
+    if (!isPicture)
+        window.useSettings(EditorSettings(std::make_unique<QSettings>()));
+    if (isPicture || options.hasSize || !window.restorePlace())
+        window.resize(options.size);
     if (!open(&window, options))
         return kFailure;
-    if (!options.screenshot.isEmpty())
+    if (isPicture)
         return makePicture(&window, options);
     if (options.zoom > 0 && window.scene())
         window.view()->lookAt(EditorScene::middleOf(window.scene()->nodes()), options.zoom / 100.0);

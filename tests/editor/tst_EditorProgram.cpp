@@ -20,6 +20,7 @@ private Q_SLOTS:
     void badFile_failsWithFileAndLine();
     void screenshot_hasTheAskedSizeAndShowsNodes();
     void withoutDisplay_saysHowToGoOn();
+    void window_keepsSettings_pictureDoesNot();
 
 private:
     struct Outcome
@@ -27,6 +28,7 @@ private:
         int code = -1;
         QString errors;
     };
+    QProcessEnvironment environment() const;
     Outcome run(const QStringList& arguments, bool hasDisplay = true) const;
     QString path(const char* name) const
     {
@@ -36,10 +38,18 @@ private:
     QTemporaryDir m_Folder;
 };
 
+/// The user's own settings stay out of it.
+QProcessEnvironment tst_EditorProgram::environment() const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
+    return environment;
+}
+
 tst_EditorProgram::Outcome tst_EditorProgram::run(
     const QStringList& arguments, bool hasDisplay) const
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QProcessEnvironment environment = this->environment();
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         if (!hasDisplay)
             environment.remove(QString::fromLatin1(name));
@@ -135,6 +145,23 @@ void tst_EditorProgram::withoutDisplay_saysHowToGoOn()
     QVERIFY(refused.errors.contains(QStringLiteral("--screenshot")));
     QCOMPARE(run({QStringLiteral("--screenshot"), path("bare.png"), sample}, false).code, 0);
     QVERIFY(!QImage(path("bare.png")).isNull());
+}
+
+void tst_EditorProgram::window_keepsSettings_pictureDoesNot()
+{
+    const QString sample = samplePath("copper_patina.mtlx");
+    const QString settings = path("config/Orv/orv-shader-editor.conf");
+    QVERIFY(!QFile::exists(settings)); // after all those pictures
+    QProcess program;
+    program.setProcessEnvironment(environment());
+    program.start(QStringLiteral(ORV_EDITOR_PROGRAM), {sample});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings), 20000);
+    program.kill();
+    program.waitForFinished();
+
+    QVERIFY(QFile::remove(settings));
+    QCOMPARE(run({QStringLiteral("--screenshot"), path("again.png"), sample}).code, 0);
+    QVERIFY(!QFile::exists(settings));
 }
 
 QTEST_GUILESS_MAIN(tst_EditorProgram)

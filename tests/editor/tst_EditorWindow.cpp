@@ -1,13 +1,29 @@
+#include "editor/EditorCommand.h"
 #include "editor/EditorMessageBar.h"
+#include "editor/EditorNavigator.h"
+#include "editor/EditorQuestions.h"
 #include "editor/EditorTesting.h"
 #include "editor/EditorView.h"
 #include "editor/EditorWindow.h"
 #include "network/NetDocument.h"
 #include "support/TestTable.h"
 
+#include <OrvCore/OrvUndoManager.h>
+#include <OrvCoreModules/OrvShaderNetworkManager.h>
+
+#include <QAction>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QPointer>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUndoStack>
+
+#include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
+#include <OrvNodeGraph/OrvNgEdge.h>
+#include <OrvNodeGraph/OrvNgPort.h>
+#include <algorithm>
 
 using namespace EditorTesting;
 using Mode = EditorScene::Mode;
@@ -37,6 +53,48 @@ Mode modeOf(OrvNgNode* node)
     return dynamic_cast<OrvNgExtendedNode*>(node)->portListMode();
 }
 
+using Answer = EditorQuestions::Answer;
+
+/// Answers as it was told to, and remembers what was asked.
+class Answers : public EditorQuestions
+{
+public:
+    Answers()
+        : EditorQuestions(nullptr)
+    {
+    }
+    Answer aboutUnsaved(const QString& fileName) override
+    {
+        m_Asked.append(QStringLiteral("unsaved ") + fileName);
+        return m_Unsaved;
+    }
+    bool overwriteChanged(const QString& fileName) override
+    {
+        m_Asked.append(QStringLiteral("changed ") + fileName);
+        return m_Overwrites;
+    }
+    QString pathToOpen(const QString&) override { return {}; }
+    QString pathToSave(const QString&) override { return m_SavePath; }
+    void tellFailure(const QString&, const QString& why) override { m_Failures.append(why); }
+
+    Answer m_Unsaved = Answer::Cancel;
+    bool m_Overwrites = false;
+    QString m_SavePath;
+    QStringList m_Asked;
+    QStringList m_Failures;
+};
+
+QUndoStack* stack()
+{
+    return OrvUndoManager::instance().undoStack();
+}
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
 
 /// The window as its user meets it: keys, ways in and out, documents that fail.
@@ -55,6 +113,17 @@ private Q_SLOTS:
     void failedOpen_keepsTheDocument();
     void reload_showsTheChangedFileInTheSameScope();
     void window_diesInsideAGraph_withAnotherDocumentJustOpened();
+
+    void unsavedChanges_areAskedAbout_data();
+    void unsavedChanges_areAskedAbout();
+    void failedSave_keepsFileAndChanges();
+    void fileChangedOnDisk_isNotOverwrittenUnasked();
+    void undo_namesItsStepAndWaitsForTheMouse();
+    void escape_givesUpWhatTheMouseDoes_data();
+    void escape_givesUpWhatTheMouseDoes();
+    void cutKey_cutsTheEdgeUnderTheDrag();
+    void dotKey_marksTheSceneOnShowOnly();
+    void settings_keepRecentFilesAndPreferences();
 
 private:
     QString write(const char* name, const QByteArray& text)
@@ -75,11 +144,55 @@ private:
         m_Window->scene()->clearSelection();
         m_Window->scene()->node(indexOf(name))->setSelected(true);
     }
+    /// Moves a node by an undo step.
+    void change(const char* name = "user")
+    {
+        const std::shared_ptr<NetEditor> editor = m_Window->navigator()->editor();
+        const int scope = m_Window->navigator()->scopeIndex();
+        QVERIFY(EditorCommand::push(editor,
+            editor->moveNodes(scope, {{indexOf(name), QPointF(123.5, -7)}}),
+            QStringLiteral("Move this & that")));
+        QVERIFY(m_Window->isWindowModified());
+    }
+    QAction* actionFor(const QKeySequence& key) const
+    {
+        const QList<QAction*> actions = m_Window->findChildren<QAction*>();
+        for (QAction* action : actions) {
+            if (action->shortcuts().contains(key))
+                return action;
+        }
+        return nullptr;
+    }
+    OrvNgEdge* edge() const { return m_Window->scene()->edgeOf({indexOf("user"), 0}); }
+    QPoint edgeMiddle() const
+    {
+        QGraphicsPathItem* line = edge()->mainEdge();
+        return viewPos(line->mapToScene(line->path().pointAtPercent(0.5)));
+    }
+    QPoint viewPos(const QPointF& scenePos) const
+    {
+        return m_Window->view()->mapFromScene(scenePos);
+    }
+    void mouse(QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons)
+    {
+        QWidget* viewport = m_Window->view()->viewport();
+        QMouseEvent event(type, pos, viewport->mapToGlobal(pos),
+            type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(viewport, &event);
+    }
+    void press(const QPoint& pos) { mouse(QEvent::MouseButtonPress, pos, Qt::LeftButton); }
+    void release(const QPoint& pos) { mouse(QEvent::MouseButtonRelease, pos, Qt::NoButton); }
+    void drag(const QPoint& from, const QPoint& to)
+    {
+        for (int i = 1; i <= 8; ++i)
+            mouse(QEvent::MouseMove, from + (to - from) * i / 8, Qt::LeftButton);
+    }
     QString scopePath() const { return m_Window->scene()->scope().path; }
 
     QTemporaryDir m_Folder;
     QString m_Graphs;
     std::unique_ptr<EditorWindow> m_Window;
+    Answers* m_Answers = nullptr; ///< the window's
 };
 
 void tst_EditorWindow::initTestCase()
@@ -91,6 +204,9 @@ void tst_EditorWindow::initTestCase()
 void tst_EditorWindow::init()
 {
     m_Window = std::make_unique<EditorWindow>(NetSearchPath());
+    auto answers = std::make_unique<Answers>();
+    m_Answers = answers.get();
+    m_Window->setQuestions(std::move(answers));
     m_Window->resize(1000, 700);
     m_Window->show();
     m_Window->activateWindow();
@@ -204,6 +320,251 @@ void tst_EditorWindow::window_diesInsideAGraph_withAnotherDocumentJustOpened()
     flush();
     QVERIFY(!scene);
     QCOMPARE(noise.heard(), QStringList());
+}
+
+void tst_EditorWindow::unsavedChanges_areAskedAbout_data()
+{
+    const TestTable<QString, int, bool, bool> row("way", "answer", "isGone", "isSaved");
+    for (const char* way : {"close", "open", "reload", "drop"}) {
+        const QByteArray tag(way);
+        row((tag + ", save").constData(), way, int(Answer::Save), true, true);
+        row((tag + ", discard").constData(), way, int(Answer::Discard), true, false);
+        row((tag + ", cancel").constData(), way, int(Answer::Cancel), false, false);
+    }
+}
+
+void tst_EditorWindow::unsavedChanges_areAskedAbout()
+{
+    QFETCH(QString, way);
+    QFETCH(int, answer);
+    QFETCH(bool, isGone);
+    QFETCH(bool, isSaved);
+    const QString file = write("asked.mtlx", kGraphs);
+    QVERIFY(m_Window->openFile(file));
+    change();
+    const QByteArray changed = m_Window->navigator()->editor()->text();
+    QVERIFY(changed != QByteArray(kGraphs));
+    m_Answers->m_Unsaved = Answer(answer);
+
+    const QPointer<EditorScene> scene = m_Window->scene();
+    if (way == QLatin1String("close")) {
+        QCOMPARE(m_Window->close(), isGone);
+    } else if (way == QLatin1String("open")) {
+        QCOMPARE(m_Window->openFile(m_Graphs), isGone);
+    } else if (way == QLatin1String("reload")) {
+        QTest::keyClick(m_Window.get(), Qt::Key_F5);
+    } else {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(m_Graphs)});
+        QDragEnterEvent enter({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_Window.get(), &enter);
+        QDropEvent event({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_Window.get(), &event);
+    }
+    flush();
+    QCOMPARE(m_Answers->m_Asked, QStringList(QStringLiteral("unsaved asked.mtlx")));
+    QCOMPARE(contents(file), isSaved ? changed : QByteArray(kGraphs));
+    if (way == QLatin1String("close"))
+        return;
+    QCOMPARE(scene.isNull(), isGone);
+    QCOMPARE(m_Window->isWindowModified(), !isGone);
+    QCOMPARE(stack()->count(), isGone ? 0 : 1); // a new document has no past
+}
+
+void tst_EditorWindow::failedSave_keepsFileAndChanges()
+{
+    QVERIFY(QDir(m_Folder.path()).mkdir(QStringLiteral("gone")));
+    const QString file = write("gone/kept.mtlx", kGraphs);
+    QVERIFY(m_Window->openFile(file));
+    change();
+    QDir(m_Folder.path()).rename(QStringLiteral("gone"), QStringLiteral("elsewhere"));
+
+    QTest::keyClick(m_Window.get(), Qt::Key_S, Qt::ControlModifier);
+    QCOMPARE(m_Answers->m_Failures.size(), 1);
+    auto* bar = m_Window->findChild<EditorMessageBar*>();
+    QVERIFY(bar->isVisible());
+    QVERIFY2(bar->headline().contains(QStringLiteral("kept.mtlx")), qPrintable(bar->headline()));
+    QVERIFY(m_Window->isWindowModified());
+    // Saving as the way out fails as well: the window stays.
+    m_Answers->m_Unsaved = Answer::Save;
+    QVERIFY(!m_Window->close());
+    QCOMPARE(
+        contents(m_Folder.filePath(QStringLiteral("elsewhere/kept.mtlx"))), QByteArray(kGraphs));
+
+    m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("rescued.mtlx"));
+    QTest::keyClick(m_Window.get(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(m_Window->filePath(), m_Answers->m_SavePath);
+    QCOMPARE(contents(m_Answers->m_SavePath), m_Window->navigator()->editor()->text());
+    QVERIFY(!m_Window->isWindowModified());
+    QVERIFY(!bar->isVisible());
+    QVERIFY(m_Window->windowTitle().contains(QStringLiteral("rescued.mtlx")));
+}
+
+void tst_EditorWindow::fileChangedOnDisk_isNotOverwrittenUnasked()
+{
+    const QString file = write("shared.mtlx", kGraphs);
+    QVERIFY(m_Window->openFile(file));
+    change();
+    const QByteArray theirs = QByteArray(kGraphs) + "<!-- theirs -->\n";
+    write("shared.mtlx", theirs);
+    QVERIFY(!m_Window->save());
+    QCOMPARE(m_Answers->m_Asked, QStringList(QStringLiteral("changed shared.mtlx")));
+    QCOMPARE(contents(file), theirs);
+    QVERIFY(m_Window->isWindowModified());
+
+    m_Answers->m_Overwrites = true;
+    QVERIFY(m_Window->save());
+    QCOMPARE(contents(file), m_Window->navigator()->editor()->text());
+    QVERIFY(m_Window->save());
+    QCOMPARE(m_Answers->m_Asked.size(), 2); // not about the window's own write
+}
+
+void tst_EditorWindow::undo_namesItsStepAndWaitsForTheMouse()
+{
+    const QAction* undo = actionFor(QKeySequence(int(Qt::CTRL) | int(Qt::Key_Z)));
+    QVERIFY(!undo->isEnabled());
+    const QByteArray before = m_Window->navigator()->editor()->text();
+    change();
+    QCOMPARE(undo->text(), QStringLiteral("&Undo Move this && that"));
+
+    const QPoint corner(5, 5);
+    press(corner);
+    QVERIFY(!undo->isEnabled());
+    QTest::keyClick(m_Window.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(stack()->index(), 1);
+    release(corner);
+    QTest::keyClick(m_Window.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(m_Window->navigator()->editor()->text(), before);
+    QVERIFY(!m_Window->isWindowModified());
+    QTest::keyClick(m_Window.get(), Qt::Key_Y, Qt::ControlModifier);
+    QVERIFY(m_Window->isWindowModified());
+}
+
+void tst_EditorWindow::escape_givesUpWhatTheMouseDoes_data()
+{
+    const TestTable<QString> row("what");
+    for (const char* what : {"node", "node on the grid", "band", "cut", "edge"})
+        row(what, what);
+}
+
+void tst_EditorWindow::escape_givesUpWhatTheMouseDoes()
+{
+    QFETCH(QString, what);
+    EditorScene* scene = m_Window->scene();
+    EditorView* view = m_Window->view();
+    OrvNgNode* user = scene->node(indexOf("user"));
+    const OrvNgEdge* edge = this->edge();
+    select("outer");
+    change(); // to a place off every grid
+    stack()->clear();
+    m_Window->frameAll();
+    const QPointF place = user->pos();
+    const QByteArray text = m_Window->navigator()->editor()->text();
+    const QPoint header = viewPos(user->mapRectToScene(user->nodeShapeRect()).center());
+    const QPoint middle = edgeMiddle();
+
+    auto* grid = OrvShaderNetworkManager::instance();
+    grid->setSnapToGrid(what.contains(QLatin1String("grid")));
+    QPoint from = header;
+    QPoint to = header + QPoint(70, 90);
+    if (what == QLatin1String("band"))
+        from = header + QPoint(150, 150), to = header;
+    if (what == QLatin1String("cut")) {
+        from = middle - QPoint(0, 60), to = middle + QPoint(0, 60);
+        QTest::keyPress(view, Qt::Key_C);
+    }
+    if (what == QLatin1String("edge")) {
+        auto* source = dynamic_cast<OrvNgExtendedNode*>(scene->node(indexOf("outer")));
+        OrvNgPort* port = source->outputPort(source->outputPoints().constFirst());
+        view->pickUpEdge(viewPos(port->mapToScene(port->portRect().center())));
+        QVERIFY(dynamic_cast<OrvNgEdge*>(scene->mouseGrabberItem()));
+    } else {
+        press(from);
+        drag(from, to);
+    }
+    if (what.startsWith(QLatin1String("node")))
+        QVERIFY((user->pos() - place).manhattanLength() > 50);
+    if (what == QLatin1String("band"))
+        QVERIFY(user->isSelected());
+
+    QTest::keyClick(view, Qt::Key_Escape);
+    QVERIFY(!scene->mouseGrabberItem());
+    drag(to, from);
+    release(from);
+    QTest::keyRelease(view, Qt::Key_C);
+    grid->setSnapToGrid(false);
+    flush();
+    QCOMPARE(user->pos(), place);
+    QCOMPARE(stack()->count(), 0);
+    QCOMPARE(m_Window->navigator()->editor()->text(), text);
+    QCOMPARE(edge->sourceNode(), scene->node(indexOf("outer")));
+    if (what == QLatin1String("band"))
+        QCOMPARE(scene->selectedNodes(), EditorScene::Nodes{scene->node(indexOf("outer"))});
+}
+
+void tst_EditorWindow::cutKey_cutsTheEdgeUnderTheDrag()
+{
+    const OrvNgEdge* edge = this->edge();
+    const QPoint middle = edgeMiddle();
+    QTest::keyPress(m_Window->view(), Qt::Key_C);
+    press(middle - QPoint(0, 60));
+    drag(middle - QPoint(0, 60), middle + QPoint(0, 60));
+    QTest::keyRelease(m_Window->view(), Qt::Key_C);
+    release(middle + QPoint(0, 60));
+    QCOMPARE(edge->sourceNode(), nullptr);
+    QVERIFY(!m_Window->navigator()->editor()->text().contains("nodegraph=\"outer\""));
+    stack()->undo();
+    QCOMPARE(m_Window->navigator()->editor()->text(), QByteArray(kGraphs));
+}
+
+void tst_EditorWindow::dotKey_marksTheSceneOnShowOnly()
+{
+    const auto isDotable = [](const EditorScene* scene) {
+        const QList<QGraphicsItem*> items = scene->items();
+        return std::any_of(items.cbegin(), items.cend(), [](QGraphicsItem* item) {
+            return item->isVisible() && dynamic_cast<OrvNgDotableMarkerItem*>(item);
+        });
+    };
+    const QPointer<EditorScene> outside = m_Window->scene();
+    QTest::keyPress(m_Window->view(), Qt::Key_D);
+    QVERIFY(isDotable(outside));
+    QVERIFY(m_Window->showGraph(QStringLiteral("outer")));
+    QVERIFY(!isDotable(outside));
+    QVERIFY(isDotable(m_Window->scene()));
+    QTest::keyRelease(m_Window->view(), Qt::Key_D);
+    QVERIFY(!isDotable(m_Window->scene()));
+}
+
+void tst_EditorWindow::settings_keepRecentFilesAndPreferences()
+{
+    const QString path = m_Folder.filePath(QStringLiteral("settings.ini"));
+    const auto settings
+        = [&] { return EditorSettings(std::make_unique<QSettings>(path, QSettings::IniFormat)); };
+    m_Window->useSettings(settings());
+    QStringList files;
+    for (int i = 0; i < 12; ++i) {
+        const QByteArray name = "recent" + QByteArray::number(i) + ".mtlx";
+        files.prepend(write(name.constData(), kGraphs));
+        QVERIFY(m_Window->openFile(files.constFirst()));
+    }
+    QVERIFY(m_Window->openFile(files.at(3)));
+    files.move(3, 0);
+    QAction* shake = nullptr;
+    for (QAction* action : m_Window->findChildren<QAction*>()) {
+        if (action->text().contains(QLatin1String("Shake")))
+            shake = action;
+    }
+    QVERIFY(m_Window->view()->isShakeDetectionEnabled());
+    shake->trigger();
+    m_Window->resize(777, 555);
+    QVERIFY(m_Window->close());
+
+    QCOMPARE(settings().recentFiles(), QStringList(files.mid(0, 10)));
+    EditorWindow next;
+    next.useSettings(settings());
+    QVERIFY(!next.view()->isShakeDetectionEnabled());
+    QVERIFY(next.restorePlace());
+    QCOMPARE(next.size(), QSize(777, 555));
 }
 
 QTEST_MAIN(tst_EditorWindow)

@@ -1,0 +1,70 @@
+#include "editor/EditorQuestions.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+EditorQuestions::EditorQuestions(QWidget* parent)
+    : m_Parent(parent)
+{
+}
+
+EditorQuestions::~EditorQuestions() = default;
+
+EditorQuestions::Answer EditorQuestions::aboutUnsaved(const QString& fileName)
+{
+    QMessageBox box(QMessageBox::Warning, tr("Unsaved Changes"),
+        tr("Save the changes to %1?").arg(fileName),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_Parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(tr("They are lost otherwise."));
+    box.setDefaultButton(QMessageBox::Save);
+    switch (box.exec()) {
+    case QMessageBox::Save:
+        return Answer::Save;
+    case QMessageBox::Discard:
+        return Answer::Discard;
+    default:
+        return Answer::Cancel;
+    }
+}
+
+bool EditorQuestions::overwriteChanged(const QString& fileName)
+{
+    QMessageBox box(QMessageBox::Warning, tr("The File Has Changed"),
+        tr("%1 has changed on disk since it was read.").arg(fileName), QMessageBox::Cancel,
+        m_Parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(tr("Saving puts your version in its place."));
+    const QAbstractButton* overwrite
+        = box.addButton(tr("&Overwrite"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    return box.clickedButton() == overwrite;
+}
+
+QString EditorQuestions::pathToOpen(const QString& folder)
+{
+    return QFileDialog::getOpenFileName(
+        m_Parent, tr("Open Document"), folder, tr("Shader networks (*.mtlx);;All files (*)"));
+}
+
+QString EditorQuestions::pathToSave(const QString& presentPath)
+{
+    QFileDialog dialog(m_Parent, tr("Save Document"), QFileInfo(presentPath).absolutePath(),
+        tr("Shader networks (*.mtlx)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setDefaultSuffix(QStringLiteral("mtlx"));
+    dialog.selectFile(QFileInfo(presentPath).fileName());
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+void EditorQuestions::tellFailure(const QString& what, const QString& why)
+{
+    QMessageBox box(QMessageBox::Critical, what, what, QMessageBox::Ok, m_Parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(why);
+    box.exec();
+}
