@@ -26,6 +26,9 @@ EditorHistory::EditorHistory(EditorView* view, QObject* parent)
     , m_Undo(new QAction(this))
     , m_Redo(new QAction(this))
 {
+    // Without the step, for lists of all actions.
+    m_Undo->setData(tr("Undo"));
+    m_Redo->setData(tr("Redo"));
     connect(m_Undo, &QAction::triggered, this, &EditorHistory::undo);
     connect(m_Redo, &QAction::triggered, this, &EditorHistory::redo);
     connect(m_Stack, &QUndoStack::indexChanged, this, &EditorHistory::refresh);

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QDialogButtonBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -42,8 +43,9 @@ QString menuRows(const QMenu* menu)
     const QList<QAction*> actions = menu->actions();
     for (const QAction* action : actions) {
         const QString keys = keysOf(action);
+        const QString name = action->data().toString();
         if (!keys.isEmpty())
-            rows += row(keys, plain(action->text()));
+            rows += row(keys, name.isEmpty() ? plain(action->text()) : name);
     }
     return rows.isEmpty() ? rows : heading(plain(menu->title())) + rows;
 }
@@ -76,17 +78,21 @@ EditorKeysDialog::EditorKeysDialog(const QMenuBar* menus, QWidget* parent)
     : QDialog(parent)
 {
     setWindowTitle(tr("Keys and Mouse"));
-    QString html = QStringLiteral("<table cellspacing='2'>");
+    QString menuHtml;
     const QList<QAction*> actions = menus->actions();
     for (const QAction* action : actions) {
         if (action->menu())
-            html += menuRows(action->menu());
+            menuHtml += menuRows(action->menu());
     }
-    html += heldRows() + mouseRows();
-    html += QStringLiteral("</table>");
-
+    auto* tables = new QHBoxLayout;
+    tables->setSpacing(40);
+    for (const QString& rows : {menuHtml, heldRows() + mouseRows()}) {
+        auto* label
+            = new QLabel(QStringLiteral("<table cellspacing='2'>%1</table>").arg(rows), this);
+        tables->addWidget(label, 0, Qt::AlignTop);
+    }
     auto* column = new QVBoxLayout(this);
-    column->addWidget(new QLabel(html, this));
+    column->addLayout(tables);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);

@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QPinchGesture>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <OrvNodeGraph/OrvNgEdge.h>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr qreal kFrameMargin = 40; // scene units
 constexpr qreal kLargestFrameScale = 1.25;
+constexpr int kReleaseDelay = 60; // milliseconds
 constexpr qreal kPixelsPerAngle = 0.5; // for touchpads that tell angles only: 60 pixels a step
 
 /// Fingers scroll; a wheel turns. Where the platform cannot tell them apart, all of it is a wheel.
@@ -222,6 +224,7 @@ void EditorView::keyPressEvent(QKeyEvent* event)
     if (key && isPlain(*event)) {
         // A drag that is under way stays what it is.
         const bool isTooLate = m_MouseHeld && key == HeldKeys(HeldCut);
+        m_Releases.remove(int(key));
         if (!event->isAutoRepeat() && !isTooLate)
             setHeld(m_Held | key);
         return;
@@ -231,13 +234,21 @@ void EditorView::keyPressEvent(QKeyEvent* event)
     OrvNgView::keyPressEvent(event);
 }
 
+/// X11 sends releases while a key repeats, and they often do not say so: only one that no press follows at
+/// once is meant.
 void EditorView::keyReleaseEvent(QKeyEvent* event)
 {
     const HeldKeys key = heldKeyOf(*event);
-    if (!event->isAutoRepeat())
-        setHeld(m_Held & ~key);
     if (!key)
         OrvNgView::keyReleaseEvent(event);
+    if (event->isAutoRepeat() || !(m_Held & key))
+        return;
+    const int release = ++m_LastRelease;
+    m_Releases.insert(int(key), release);
+    QTimer::singleShot(kReleaseDelay, this, [this, key, release] {
+        if (m_Releases.value(int(key)) == release)
+            setHeld(m_Held & ~key);
+    });
 }
 
 /// While Tab belongs to the graph it does not move the focus.
@@ -259,6 +270,7 @@ void EditorView::focusOutEvent(QFocusEvent* event)
 
 void EditorView::letGoOfKeys()
 {
+    m_Releases.clear();
     setHeld({});
     if (m_Cutting)
         cancelCut();

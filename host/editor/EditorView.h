@@ -4,6 +4,7 @@
 #include "editor/EditorWheelSteps.h"
 
 #include <QFlags>
+#include <QHash>
 #include <QPointF>
 #include <QRectF>
 #include <QTransform>
@@ -110,6 +111,9 @@ private:
     EditorWheelSteps m_WheelSteps;
     EditorPress m_Press;
     HeldKeys m_Held;
+    QHash<int, int>
+        m_Releases; ///< by key, the number of its last release; none since its last press
+    int m_LastRelease = 0;
     bool m_Cutting = false; ///< the cursor cuts; outlasts the key until the button is up
     bool m_MouseHeld = false;
     bool m_BandPossible = false; ///< the left button went down and nothing took it

@@ -87,6 +87,8 @@ void EditorWindow::connectParts()
 
 EditorWindow::~EditorWindow()
 {
+    // Losing the focus for the last time, the view lets go of the keys: of no interest here any more.
+    m_View->disconnect(this);
     // The history is everybody's, and knows this window's documents.
     m_History->clear();
     // The scenes are the navigator's, the view is the central widget's: neither dies with the

@@ -197,8 +197,12 @@ void tst_EditorView::heldKeys_endWithKeyOrFocus()
     press(false, true); // held down, a key repeats both
     press(true, true);
     QVERIFY(isOn());
+    press(false, false); // X11 does not always say that it repeats
+    press(true, false);
+    QTest::qWait(150);
+    QVERIFY(isOn());
     press(false, false);
-    QVERIFY(isOff());
+    QTRY_VERIFY_WITH_TIMEOUT(isOff(), 1000);
 
     press(true, false);
     m_Other->setFocus();
@@ -213,6 +217,7 @@ void tst_EditorView::cut_begunIsFinishedWithoutTheKey()
     QTest::keyPress(m_View, Qt::Key_C);
     QTest::mousePress(m_View->viewport(), Qt::LeftButton, {}, {50, 50});
     QTest::keyRelease(m_View, Qt::Key_C);
+    QTRY_VERIFY(!m_View->heldKeys());
     QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
     QTest::mouseRelease(m_View->viewport(), Qt::LeftButton, {}, {90, 50});
     QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_NONE);
