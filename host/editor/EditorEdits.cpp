@@ -207,7 +207,11 @@ void EditorEdits::drop(OrvNgNode* node)
         return;
     }
     edge->unHightlightForNodeInsert();
-    insert(node, edge);
+    OrvNgEdge* freeInput = nullptr;
+    if (node->canBeInsertedIntoAnEdge(freeInput))
+        insert(node, edge);
+    else
+        commitMoves(); // the user asked for no insertion after the drag had begun
 }
 
 void EditorEdits::insertDot(OrvNgEdge* edge)

@@ -207,7 +207,7 @@ NetEditor::ChangePtr NetEditor::moveNodes(int scope, const QVector<NetMove>& mov
                 writer.setAttributes(element, positionPairs(node, move.position));
                 edit.changed.append({scope, move.node});
             } else {
-                edit.shown.append({move.node, move.position, true});
+                edit.shown.push_back({move.node, move.position, true});
             }
         }
         return edit;

@@ -6,6 +6,8 @@
 
 #include <QHash>
 
+#include <vector>
+
 /// What one change does to the text and to the model. Everything that stands in the text is read from it
 /// again after the change, in either direction, so only the way is kept and not the outcome.
 struct NetEdit
@@ -33,7 +35,7 @@ struct NetEdit
     int added = -1; ///< its position, once it was there
     int addedBefore = -1; ///< the node whose element it stands before
     QVector<int> orderBefore; ///< of the scope's elements; filled in when the change is made first
-    QVector<Shown>
+    std::vector<Shown>
         shown; ///< boxes without an element; their positions are exchanged with the model's
 };
 
