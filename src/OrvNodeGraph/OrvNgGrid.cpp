@@ -1,11 +1,12 @@
 #include "OrvNodeGraph/OrvNgGrid.h"
 
-#include <QImage>
+#include <QHash>
 #include <QLineF>
 #include <QPaintEngine>
 #include <QStyleOptionGraphicsItem>
 
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -16,6 +17,7 @@ constexpr int kDenseTile = 16; // device pixels
 constexpr double kFarthestPixel = 32767.0; // from the device's origin; beyond, Qt's images end
 constexpr int kStripBreadth = 16; // Qt misplaces thick horizontal lines in a narrower image
 constexpr double kMostLines = 4e6; // more than any screen shows
+constexpr int kManyBands = 64; // from here on one picture is faster
 
 /// The parallel lines of one direction that cross a range of scene coordinates.
 class GridLines
@@ -109,42 +111,53 @@ bool OrvNgGrid::Frame::operator==(const Frame& other) const
 {
     return m_ToDevice == other.m_ToDevice && qFuzzyCompare(m_PixelRatio, other.m_PixelRatio)
         && m_Exposed == other.m_Exposed && m_Cell == other.m_Cell && m_Pen == other.m_Pen
-        && m_Hints == other.m_Hints;
+        && m_Background == other.m_Background && m_Hints == other.m_Hints;
 }
 
-void OrvNgGrid::paint(QPainter* painter, const QRectF& exposed, const QSize& cell, const QPen& pen)
+void OrvNgGrid::paint(QPainter* painter, const QRectF& exposed, const QSize& cell, const QPen& pen,
+    const QBrush& background)
 {
     const double levelOfDetail
         = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter->worldTransform());
-    if (!(levelOfDetail > kHiddenLevelOfDetail))
+    if (!(levelOfDetail > kHiddenLevelOfDetail)) {
+        painter->fillRect(exposed, background);
         return;
+    }
     const QSize spacing = cell.expandedTo(QSize(1, 1));
     const GridLines columns(exposed.left(), exposed.right(), spacing.width());
     const GridLines rows(exposed.top(), exposed.bottom(), spacing.height());
     painter->setPen(pen);
-    if (!(columns.count() + rows.count() < kMostLines))
-        return;
-    if (!isUniform(painter, exposed)) {
-        drawLineByLine(painter, exposed, columns, rows);
+    const bool hasLines = columns.count() + rows.count() < kMostLines;
+    if (!hasLines || !isUniform(painter, exposed)) {
+        painter->fillRect(exposed, background);
+        if (hasLines)
+            drawLineByLine(painter, exposed, columns, rows);
         return;
     }
+    const bool isOpaque = background.style() == Qt::SolidPattern && background.isOpaque();
+    if (!isOpaque)
+        painter->fillRect(exposed, background);
     const QTransform toDevice = painter->deviceTransform();
     const QRect pixels = toDevice.mapRect(exposed).toAlignedRect();
     const Frame frame{toDevice, toDevice.m11() / painter->worldTransform().m11(), exposed, spacing,
-        pen, painter->renderHints()};
+        pen, isOpaque ? background.color() : QColor(), painter->renderHints()};
     if (!(frame == m_Kept)) {
         m_Kept = frame;
         makeRow(gridStrip(painter, exposed, pixels, Qt::Vertical, columns), pixels.width());
         makeBands(gridStrip(painter, exposed, pixels, Qt::Horizontal, rows), pixels.height());
+        makePicture(pixels.size());
     }
-    paintRowAndBands(painter, pixels);
+    paintKept(painter, pixels);
 }
 
 void OrvNgGrid::makeRow(const QImage& strip, int width)
 {
-    m_Row = QPixmap(width, 1); // in full, because a narrow tile is slow to repeat
-    m_Row.fill(Qt::transparent);
-    QPainter(&m_Row).fillRect(m_Row.rect(), QBrush(strip));
+    // In full, because a narrow tile is slow to repeat.
+    const bool isOpaque = m_Kept.m_Background.isValid();
+    QImage row(width, 1, isOpaque ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
+    row.fill(isOpaque ? m_Kept.m_Background : QColor(Qt::transparent));
+    QPainter(&row).fillRect(row.rect(), QBrush(strip));
+    m_Row = QPixmap::fromImage(row);
     m_Row.setDevicePixelRatio(m_Kept.m_PixelRatio);
 }
 
@@ -161,17 +174,52 @@ void OrvNgGrid::makeBands(const QImage& strip, int height)
     }
 }
 
+/// Pixel rows of one colour are blended once and then copied, into memory that is kept.
+void OrvNgGrid::makePicture(const QSize& pixels)
+{
+    m_HasPicture = m_Bands.size() >= kManyBands && m_Kept.m_Background.isValid();
+    if (!m_HasPicture)
+        return;
+    const QImage row = m_Row.toImage().convertToFormat(QImage::Format_RGB32);
+    if (m_Picture.size() != pixels)
+        m_Picture = QImage(pixels, QImage::Format_RGB32);
+    const auto copyRow = [&](const uchar* from, int y) {
+        std::memcpy(m_Picture.scanLine(y), from, size_t(pixels.width()) * sizeof(QRgb));
+    };
+    QHash<QRgb, QImage> blendedRows;
+    int y = 0;
+    for (const Band& band : qAsConst(m_Bands)) {
+        for (; y < band.m_Top; ++y)
+            copyRow(row.constBits(), y);
+        QImage& blended = blendedRows[band.m_Color.rgba()];
+        if (blended.isNull()) {
+            blended = row;
+            QPainter(&blended).fillRect(blended.rect(), band.m_Color);
+        }
+        for (; y < band.m_Top + band.m_Height; ++y)
+            copyRow(blended.constBits(), y);
+    }
+    for (; y < pixels.height(); ++y)
+        copyRow(row.constBits(), y);
+    m_Picture.setDevicePixelRatio(m_Kept.m_PixelRatio);
+}
+
 /// pixels is the exposed area in device pixels.
-void OrvNgGrid::paintRowAndBands(QPainter* painter, const QRect& pixels) const
+void OrvNgGrid::paintKept(QPainter* painter, const QRect& pixels) const
 {
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
     painter->setWorldTransform(QTransform());
     const QTransform fromPixels = painter->deviceTransform().inverted();
-    painter->drawTiledPixmap(fromPixels.mapRect(QRectF(pixels)), m_Row);
-    for (const Band& band : m_Bands) {
-        const QRectF area(pixels.left(), pixels.top() + band.m_Top, pixels.width(), band.m_Height);
-        painter->fillRect(fromPixels.mapRect(area), band.m_Color);
+    if (!m_HasPicture) {
+        painter->drawTiledPixmap(fromPixels.mapRect(QRectF(pixels)), m_Row);
+        for (const Band& band : m_Bands) {
+            const QRectF area(
+                pixels.left(), pixels.top() + band.m_Top, pixels.width(), band.m_Height);
+            painter->fillRect(fromPixels.mapRect(area), band.m_Color);
+        }
+    } else {
+        painter->drawImage(fromPixels.map(QPointF(pixels.topLeft())), m_Picture);
     }
     painter->restore();
 }

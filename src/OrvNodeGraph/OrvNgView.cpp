@@ -4,6 +4,7 @@
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgGrid.h"
 #include "OrvNodeGraph/OrvNgGuardedItem.h"
+#include "OrvNodeGraph/OrvNgMinimap.h"
 #include "OrvNodeGraph/OrvNgNavigation.h"
 #include "OrvNodeGraph/OrvNgNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
@@ -35,6 +36,7 @@ constexpr int kAutoScrollStep = 10; // viewport pixels
 constexpr double kSmallestZoom = 0.07; // of zoomIn() and zoomOut(), both inclusive
 constexpr double kLargestZoom = 100.0;
 constexpr double kWheelFactor = 1.15;
+constexpr int kMinimapDarkening = 130; // percent
 constexpr double kSeverPathWidth = 1.0; // viewport pixels
 constexpr double kFarthestCoordinate = 1e9; // scroll bars count in int
 
@@ -85,6 +87,7 @@ QMouseEvent asLeftButton(const QMouseEvent& event, QEvent::Type type, Qt::MouseB
 
 OrvNgView::OrvNgView(QWidget* parent)
     : QGraphicsView(parent)
+    , m_Minimap(std::make_unique<OrvNgMinimap>())
     , m_Band(std::make_unique<OrvNgRubberBand>())
     , m_Path(std::make_unique<OrvNgCursorPath>())
     , m_Grid(std::make_unique<OrvNgGrid>())
@@ -221,6 +224,9 @@ void OrvNgView::calculateVisibleNodesBoundingRect()
     if (!m_BoundsDirty)
         return;
     m_BoundsDirty = false;
+    m_Minimap->markStale();
+    if (m_MinimapShown)
+        viewport()->update();
 
     QRectF bounds;
     bool isFirst = true;
@@ -249,6 +255,64 @@ double OrvNgView::calcOnePixelInSceneSpace() const
     if (!invertible)
         return m_OnePixelInSceneSpace;
     return std::abs(toScene.map(QPointF(1.0, 0.0)).x() - toScene.map(QPointF(0.0, 0.0)).x());
+}
+
+// Minimap
+
+bool OrvNgView::isMinimapRendering() const
+{
+    return m_Minimap->isRendering();
+}
+
+void OrvNgView::setMinimapVisible(bool visible)
+{
+    if (visible)
+        m_Minimap->markStale();
+    m_MinimapVisible = visible;
+    viewport()->update();
+}
+
+OrvNgMinimapFrame OrvNgView::minimapFrame() const
+{
+    return OrvNgMinimapFrame(size(), viewport()->size(), m_VisibleNodeBounds, m_NodeBoundsAspect);
+}
+
+QRect OrvNgView::minimapRect()
+{
+    return minimapFrame().m_Rect;
+}
+
+int OrvNgView::minimapWidth() const
+{
+    return OrvNgMinimapFrame::sizeFor(size()).width();
+}
+
+int OrvNgView::minimapHeight() const
+{
+    return OrvNgMinimapFrame::sizeFor(size()).height();
+}
+
+bool OrvNgView::isInMinimap(const QPoint& viewPos) const
+{
+    return minimapFrame().m_Rect.contains(viewPos);
+}
+
+QPointF OrvNgView::mapMinimapPosToScenePos(const QPoint& viewPos)
+{
+    if (!m_MinimapShown || !isInMinimap(viewPos))
+        return QPointF(0.0, 0.0);
+    return minimapFrame().toScene(viewPos);
+}
+
+/// In doubles: nodes far out at a deep zoom are more pixels away than an int counts.
+bool OrvNgView::shouldDisplayMinimap() const
+{
+    if (!m_MinimapVisible || !scene() || m_VisibleNodeBounds.isNull())
+        return false;
+    const QRectF nodes = viewportTransform().mapRect(m_VisibleNodeBounds);
+    return !(std::floor(nodes.left()) >= 0.0 && std::floor(nodes.top()) >= 0.0
+        && std::ceil(nodes.right()) <= viewport()->width()
+        && std::ceil(nodes.bottom()) <= viewport()->height());
 }
 
 // Zooming and panning by steps
@@ -380,6 +444,42 @@ bool OrvNgView::isNavigationQuill()
     return OrvNgNavigation::isQuill(m_NavigationScheme);
 }
 
+/// Deliberate: a place of the minimap that shows the scene's origin exactly counts as outside it.
+bool OrvNgView::pressStartsInMinimap(QMouseEvent* event)
+{
+    const QPointF scenePos = mapMinimapPosToScenePos(event->pos());
+    if (event->button() != Qt::LeftButton || scenePos.isNull())
+        return false;
+    m_AutoScrollTimer.stop();
+    cancelNavigation();
+    endEditing();
+    setInteractive(true);
+    m_NavigationMode = NavigationMinimap;
+    centerViewOn(scenePos, false);
+    event->accept();
+    return true;
+}
+
+/// Beyond its border the cursor counts as on it. Once all nodes are in view the minimap is gone, and the
+/// view stays where it is.
+void OrvNgView::followMinimapDrag(const QPoint& viewPos)
+{
+    if (m_NavigationMode != NavigationMinimap || !m_MinimapShown)
+        return;
+    const OrvNgMinimapFrame frame = minimapFrame();
+    const QPoint inside(qBound(frame.m_Rect.left(), viewPos.x(), frame.m_Rect.right()),
+        qBound(frame.m_Rect.top(), viewPos.y(), frame.m_Rect.bottom()));
+    centerViewOn(frame.toScene(inside), false);
+}
+
+void OrvNgView::endMinimapDrag()
+{
+    if (m_NavigationMode != NavigationMinimap)
+        return;
+    m_NavigationMode = NavigationNone;
+    setNewSceneRect(); // so that a pan has a margin again
+}
+
 bool OrvNgView::pressStartsNavigation(QMouseEvent* event)
 {
     m_AutoScrollTimer.stop();
@@ -484,6 +584,7 @@ void OrvNgView::endZoomDrag()
 void OrvNgView::cancelNavigation()
 {
     endZoomDrag();
+    endMinimapDrag();
     if (m_NavigationMode != NavigationPan)
         return;
     const QPoint globalPos = QCursor::pos();
@@ -579,6 +680,7 @@ void OrvNgView::setGridEnabled(bool Enabled)
 
 void OrvNgView::refreshBackground()
 {
+    m_Minimap->markStale();
     if (scene())
         scene()->update();
 }
@@ -591,6 +693,9 @@ void OrvNgView::paintEvent(QPaintEvent* event)
         paintSeverPath();
     if (m_Band->isActive())
         paintBand();
+    m_MinimapShown = shouldDisplayMinimap() && !minimapRect().isEmpty();
+    if (m_MinimapShown)
+        paintMinimap();
 }
 
 void OrvNgView::paintSeverPath()
@@ -609,6 +714,18 @@ void OrvNgView::paintBand()
     m_Band->paint(&painter, viewport());
 }
 
+void OrvNgView::paintMinimap()
+{
+    if (m_Minimap->isRendering())
+        return;
+    QPainter painter(viewport());
+    QColor background
+        = OrvNgStyle::instance().getSceneBackgroundColor().toQColor().darker(kMinimapDarkening);
+    background.setAlpha(255);
+    m_Minimap->paint(&painter, minimapFrame(), scene(), viewportInSceneCoords(), background,
+        viewport()->devicePixelRatioF());
+}
+
 void OrvNgView::updateViewportRect(const QRect& rect)
 {
     if (!rect.isValid() || viewportUpdateMode() == QGraphicsView::NoViewportUpdate)
@@ -621,10 +738,12 @@ void OrvNgView::updateViewportRect(const QRect& rect)
 
 void OrvNgView::drawBackground(QPainter* painter, const QRectF& rect)
 {
-    painter->fillRect(rect, OrvNgStyle::instance().getSceneBackgroundBrush());
-    if (!m_GridEnabled)
+    const OrvNgStyle& style = OrvNgStyle::instance();
+    if (!m_GridEnabled) {
+        painter->fillRect(rect, style.getSceneBackgroundBrush());
         return;
+    }
     const auto* network = OrvShaderNetworkManager::instance();
     m_Grid->paint(painter, rect, QSize(network->gridWidth(), network->gridHeight()),
-        OrvNgStyle::instance().getGridPen());
+        style.getGridPen(), style.getSceneBackgroundBrush());
 }

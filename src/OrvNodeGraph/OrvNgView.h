@@ -15,9 +15,11 @@ class OrvNgCursorPath;
 class OrvNgEdge;
 class OrvNgGrid;
 class OrvNgGuardedItem;
+class OrvNgMinimap;
 class OrvNgNode;
 class OrvNgPort;
 class OrvNgRubberBand;
+struct OrvNgMinimapFrame;
 
 /// The widget in which the user looks at the graph and edits it. The host sets its own scene, then
 /// calls init().
@@ -37,7 +39,7 @@ class OrvNgRubberBand;
 ///
 /// Called by  the host (actions, fit, centre), OrvNgNode (changes, length of a pixel).
 /// Uses       OrvNgNavigation, OrvNgSelectionRule and OrvNgShakeDetector for its rules, OrvNgGrid,
-///            OrvNgRubberBand, OrvNgStyle and the host's grid settings to paint, OrvUndoManager.
+///            OrvNgRubberBand, OrvNgMinimap, OrvNgStyle and the host's grid settings to paint, OrvUndoManager.
 /// Tells      the host's shortcuts whether Tab belongs to the graph, nodes, ports and edges that
 ///            they are hovered, edges that they are cut, the host that a node was shaken.
 class ORVNODEGRAPH_EXPORT OrvNgView : public QGraphicsView
@@ -84,6 +86,23 @@ public:
     QRectF viewportInSceneCoords();
     /// Width divided by height of the widget.
     float aspect() const;
+
+    /// Items are being painted into the minimap, not into the view.
+    bool isMinimapRendering() const;
+
+    // Minimap: in the viewport's bottom right corner, all geometry in viewport pixels. A left press in
+    // it centres the view on the point pressed, and a drag goes on doing so.
+
+    /// On unless switched off. Even then it shows only while a visible node lies outside the view.
+    void setMinimapVisible(bool visible);
+    QRect minimapRect();
+    int minimapWidth() const;
+    /// A fifth of the widget's height.
+    int minimapHeight() const;
+    bool isInMinimap(const QPoint& viewPos) const;
+    /// The scene point shown at a point of the minimap; (0, 0) outside it and while it is not shown.
+    QPointF mapMinimapPosToScenePos(const QPoint& viewPos);
+    bool shouldDisplayMinimap() const;
 
     // Editing
 
@@ -239,6 +258,10 @@ private:
     void endEditing();
     void noticeScene();
 
+    OrvNgMinimapFrame minimapFrame() const;
+    bool pressStartsInMinimap(QMouseEvent* event);
+    void followMinimapDrag(const QPoint& viewPos);
+    void endMinimapDrag();
     bool pressStartsNavigation(QMouseEvent* event);
     bool releaseEndsPan(QMouseEvent* event);
     void startPan(QMouseEvent* event, Qt::KeyboardModifiers droppedModifiers);
@@ -251,6 +274,7 @@ private:
 
     void paintSeverPath();
     void paintBand();
+    void paintMinimap();
 
     void scaleAboutAnchor(double factor);
     void centerWithinSceneRect(const QPointF& point);
@@ -263,6 +287,9 @@ private:
     QPointF m_ZoomPressScenePos;
     QPointF m_ZoomPressSceneCenter;
     float m_ZoomPressScale = 1.0F; ///< m11 of the view's transform
+    bool m_MinimapVisible = true;
+    bool m_MinimapShown = false; ///< the last paint drew it
+    std::unique_ptr<OrvNgMinimap> m_Minimap;
     bool m_GridEnabled = false;
     QTimer m_AutoScrollTimer;
 

@@ -170,6 +170,8 @@ void OrvNgView::mouseDoubleClickEvent(QMouseEvent* event)
 void OrvNgView::press(QMouseEvent* event)
 {
     noticeScene();
+    if (pressStartsInMinimap(event))
+        return;
     if (drawingEdgeSeverPath()) {
         pressWithRazor(event);
         return;
@@ -264,6 +266,7 @@ void OrvNgView::mouseMoveEvent(QMouseEvent* event)
     if (moveDrawsSeverPath(event))
         return;
     detectShake();
+    followMinimapDrag(event->pos());
     followHover(event->pos());
     followZoomDrag(event);
     advanceWhileDragging(true);
@@ -308,7 +311,7 @@ void OrvNgView::followHover(const QPoint& viewPos)
     OrvNgNode* node = nullptr;
     OrvNgEdge* edge = nullptr;
     OrvNgPort* port = nullptr;
-    if (!isNavigating())
+    if (!isNavigating() && !(m_MinimapShown && isInMinimap(viewPos)))
         itemsUnderPos(viewPos, &node, &edge, &port);
     const bool carriesEdge = scene() && dynamic_cast<OrvNgEdge*>(scene()->mouseGrabberItem());
     hoverEdge(edge && edge->isFullConnected() ? edge : nullptr, mapToScene(viewPos));
@@ -474,6 +477,7 @@ void OrvNgView::mouseReleaseEvent(QMouseEvent* event)
     if (releaseSeversEdges(event) || releaseEndsPan(event))
         return;
     endZoomDrag();
+    endMinimapDrag();
     m_AutoScrollTimer.stop();
     passReleaseToItems(event);
 }

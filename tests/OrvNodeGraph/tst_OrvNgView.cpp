@@ -364,6 +364,8 @@ private Q_SLOTS:
         const QColor white(Qt::white);
         row("same frame", 0.3, 333.37, true, 1.0, 20, white);
         row("phase", 0.3, 333.87, true, 1.0, 20, white);
+        row("far out", 0.07, 333.37, true, 1.0, 20, white);
+        row("denser than pixels", 0.0176, 333.37, true, 1.0, 20, white);
         row("scale 4", 4.0, 333.37, true, 1.0, 20, white);
         row("not antialiased", 0.3, 333.37, false, 1.0, 20, white);
         row("pixel ratio", 0.3, 333.37, true, 1.25, 20, white);
