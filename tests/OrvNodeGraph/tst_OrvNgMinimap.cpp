@@ -104,7 +104,7 @@ private Q_SLOTS:
         QPointF sum;
         int count = 0;
         const QRect map = stage.m_View.minimapRect();
-        const QImage picture = stage.m_View.grab().toImage();
+        const QImage picture = stage.picture();
         for (int y = map.top(); y <= map.bottom(); ++y) {
             for (int x = map.left(); x <= map.right(); ++x) {
                 const QColor pixel = picture.pixelColor(x, y);

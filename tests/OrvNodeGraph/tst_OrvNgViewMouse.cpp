@@ -312,7 +312,7 @@ private Q_SLOTS:
     {
         CuttingStage stage;
         const QColor plain = stage.color(0);
-        const QImage clean = stage.m_View.viewport()->grab().toImage();
+        const QImage clean = stage.picture();
         QStringList freed;
         connect(stage.m_Node, &OrvNgNode::inputSourceChanged, &stage.m_View,
             [&](OrvNgNode* source, const QString&, const QString& input) {
@@ -335,7 +335,7 @@ private Q_SLOTS:
         QCOMPARE(stack->count(), 0);
 
         stage.drag(stage.m_Across);
-        const QImage drawn = stage.m_View.viewport()->grab().toImage();
+        const QImage drawn = stage.picture();
         QVERIFY(drawn.copy(80, 95, 20, 15) != clean.copy(80, 95, 20, 15));
         QCOMPARE(drawn.copy(80, 120, 20, 60), clean.copy(80, 120, 20, 60));
         QVERIFY(stage.wheel(0, 120)); // swallowed

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QGraphicsScene>
+#include <QImage>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QTest>
@@ -86,6 +87,13 @@ struct ViewStage
     void release(const QPoint& pos, Qt::MouseButton button, int modifiers = 0)
     {
         mouse(QEvent::MouseButtonRelease, pos, button, Qt::NoButton, modifiers);
+    }
+    /// The viewport, one pixel for each of its own whatever the screen's ratio.
+    QImage picture()
+    {
+        QImage image(m_View.viewport()->size(), QImage::Format_RGB32);
+        m_View.viewport()->render(&image);
+        return image;
     }
     /// A press of the left button and moves, without the release.
     void drag(const QList<QPoint>& way, int modifiers = 0)
