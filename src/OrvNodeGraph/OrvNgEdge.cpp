@@ -23,7 +23,6 @@ namespace {
 
 constexpr char kFile[] = "src/OrvNodeGraph/OrvNgEdge";
 
-constexpr double kEdgeZ = -1.0; // always below nodes
 constexpr double kShapeCurveThreshold = 5.0;
 constexpr double kMinimumHitWidth = 1.0;
 constexpr double kLabelNearSource = 0.1; // while an end is carried the label stays near the cursor
@@ -88,7 +87,7 @@ bool OrvNgEdge::Ends::operator==(const Ends& other) const
 OrvNgEdge::OrvNgEdge(bool nodeIsDestination, OrvNgNode* node, bool flag, const QSet<QString>& tags)
     : m_Tags(tags)
 {
-    setZValue(kEdgeZ);
+    setZValue(kZ);
     setFlags(ItemClipsToShape);
     setAcceptHoverEvents(true);
     setVisible(false);

@@ -220,6 +220,8 @@ private:
         FlagSevered = 1U << 5
     };
     enum class LooseEnd { None, Source, Dest };
+    static constexpr double kZ = -1.0; // always below nodes
+    static constexpr double kCarriedZ = 1e4; // above everything: what the user carries is in sight
     struct Ends
     {
         QPointF m_Source;

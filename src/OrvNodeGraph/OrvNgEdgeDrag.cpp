@@ -146,6 +146,7 @@ void OrvNgEdge::grabEdge(const QPointF& pos, bool fromPort, bool isOutput)
     if (m_IsDestroyed)
         return;
     startDrag();
+    setZValue(kCarriedZ);
     m_Grabbed = isOutput;
     m_GrabbedFromPort = fromPort;
     m_LoosePoint = mapToScene(pos);
@@ -166,6 +167,7 @@ bool OrvNgEdge::comeHome()
 {
     const std::unique_ptr<Drag> drag = std::move(m_Drag);
     setFlag(FlagDragging, false);
+    setZValue(kZ);
     m_Grabbed = false;
     m_GrabbedFromPort = false;
     if (!m_DestNode)

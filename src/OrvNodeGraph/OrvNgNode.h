@@ -398,6 +398,7 @@ private:
     void pressSelects(OrvNgSelectMode mode);
     void startDrag();
     void cancelDrag();
+    void highlightTargets();
     void highlightEdge(OrvNgEdge* edge);
     void highlightBackdrop(OrvNgNode* backdrop);
     OrvNgEdge* inputForInsertion();

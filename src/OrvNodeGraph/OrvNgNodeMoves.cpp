@@ -134,13 +134,19 @@ void OrvNgNode::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
     }
     if (!m_MayDrag)
         return; // the item's own handling would move it, selected or not, and the others with it
+    const QPointer<OrvNgNode> self(this);
+    QGraphicsItem::mouseMoveEvent(event);
+    if (self && m_LeftButtonHeld)
+        highlightTargets();
+}
+
+// After the move: what is highlighted is what takes the node in where it stands now.
+void OrvNgNode::highlightTargets()
+{
     if (m_CanAutoInsert)
         highlightEdge(
             m_InsertionProbe ? OrvNgNodeInsertion::edgeUnder(*m_InsertionProbe, *this) : nullptr);
-    const QPointer<OrvNgNode> self(this);
     highlightBackdrop(OrvNgNodeInsertion::backdropAround(*this));
-    if (self)
-        QGraphicsItem::mouseMoveEvent(event);
 }
 
 void OrvNgNode::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)

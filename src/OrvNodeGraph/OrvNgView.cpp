@@ -626,8 +626,10 @@ void OrvNgView::focusInEvent(QFocusEvent*)
     setTabEnabled(true);
 }
 
-void OrvNgView::focusOutEvent(QFocusEvent*)
+void OrvNgView::focusOutEvent(QFocusEvent* event)
 {
+    if (event->reason() != Qt::PopupFocusReason) // the menu of a drop
+        cancelCarriedEdge();
     setTabEnabled(false);
     cancelNavigation();
     endEditing();
@@ -648,6 +650,7 @@ void OrvNgView::hideEvent(QHideEvent* event)
 {
     cancelNavigation();
     endEditing();
+    cancelCarriedEdge();
     giveUpLostGrab();
     m_AutoScrollTimer.stop();
     QGraphicsView::hideEvent(event);

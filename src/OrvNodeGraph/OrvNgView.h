@@ -251,6 +251,8 @@ private:
     QList<OrvNgEdge*> inStackingOrder(const QList<OrvNgEdge*>& edges);
     void clearTracking();
     void giveUpLostGrab();
+    OrvNgEdge* carriedEdge() const;
+    void cancelCarriedEdge();
     void selectByBand(const QRect& before);
     QList<QGraphicsItem*> itemsToJudge(const QRect& before);
     QList<QGraphicsItem*> selectableItemsIn(const QRegion& region);

@@ -313,9 +313,8 @@ void OrvNgView::followHover(const QPoint& viewPos)
     OrvNgPort* port = nullptr;
     if (!isNavigating() && !(m_MinimapShown && isInMinimap(viewPos)))
         itemsUnderPos(viewPos, &node, &edge, &port);
-    const bool carriesEdge = scene() && dynamic_cast<OrvNgEdge*>(scene()->mouseGrabberItem());
     hoverEdge(edge && edge->isFullConnected() ? edge : nullptr, mapToScene(viewPos));
-    hoverPort(carriesEdge ? port : nullptr);
+    hoverPort(carriedEdge() ? port : nullptr);
     hoverNode(node);
 }
 
@@ -499,13 +498,31 @@ bool OrvNgView::releaseSeversEdges(QMouseEvent* event)
 /// An edge that was pulled out of a port stays on the cursor until the next click.
 void OrvNgView::passReleaseToItems(QMouseEvent* event)
 {
-    const QPointer<OrvNgEdge> edge = dynamic_cast<OrvNgEdge*>(scene()->mouseGrabberItem());
+    const QPointer<OrvNgEdge> edge = carriedEdge();
     QGraphicsView::mouseReleaseEvent(event);
     m_SelectionMode = OrvNgNode::SelectReplace;
     cancelDragSelect();
     if (edge && edge->isGrabbedFromPort() && edge->isVisible() && scene()
         && edge->scene() == scene() && scene()->mouseGrabberItem() != edge)
         edge->grabMouse();
+    if (!carriedEdge())
+        hoverPort(nullptr); // no edge is left that the port could take
+}
+
+OrvNgEdge* OrvNgView::carriedEdge() const
+{
+    return scene() ? dynamic_cast<OrvNgEdge*>(scene()->mouseGrabberItem()) : nullptr;
+}
+
+/// For an edge out of a port, which waits for a click that will not come.
+void OrvNgView::cancelCarriedEdge()
+{
+    const QPointer<OrvNgEdge> edge = carriedEdge();
+    if (!edge || !edge->isGrabbedFromPort())
+        return;
+    edge->releaseMouse(QPoint(), QPointF(), true);
+    if (edge && carriedEdge() == edge)
+        edge->ungrabMouse();
 }
 
 // Edges on the cursor

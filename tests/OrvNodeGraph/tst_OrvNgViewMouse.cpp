@@ -412,6 +412,16 @@ private Q_SLOTS:
         stage.m_View.pickUpEdge(pos + QPoint(150, 60));
         QVERIFY(!edge->isGrabbedFromPort());
         QVERIFY(!stage.m_Scene.mouseGrabberItem());
+
+        // The menu of a drop takes the focus and gives it back; whoever else takes it ends the drag.
+        stage.m_View.pickUpEdge(pos);
+        for (const Qt::FocusReason reason : {Qt::PopupFocusReason, Qt::ActiveWindowFocusReason}) {
+            QVERIFY(edge->isGrabbedFromPort());
+            QFocusEvent event(QEvent::FocusOut, reason);
+            QCoreApplication::sendEvent(&stage.m_View, &event);
+        }
+        QVERIFY(!edge->isDragging());
+        QVERIFY(!stage.m_Scene.mouseGrabberItem());
     }
 
     void setPosByViewportPos_placesTheOrigin()
