@@ -20,6 +20,13 @@ struct NetMove
     QPointF position;
 };
 
+/// A backdrop's new place, in the unit of its scope's file positions.
+struct NetBackdropMove
+{
+    int backdrop = -1;
+    QRectF rect;
+};
+
 /// Changes an open document, and takes changes back.
 ///
 /// Every change is made in the text of the file as well, in the smallest place that will hold it: what a
@@ -79,6 +86,21 @@ public:
     /// the one that nodeAdded() tells, the end of the scope's list.
     ChangePtr insertDot(int scope, const NetPortRef& dest, const QPointF& position);
 
+    // Backdrops and notes: positions in NetScope::backdrops stay the same as those of nodes do
+
+    QString whyNotChangeBackdrop(int scope, int backdrop) const;
+    ChangePtr moveBackdrops(int scope, const QVector<NetBackdropMove>& moves);
+    /// An empty title takes the name's place away: the name shows.
+    ChangePtr setBackdropTitle(int scope, int backdrop, const QString& title);
+    /// The text of a note, or the remark on a backdrop; an empty one goes.
+    ChangePtr setBackdropDoc(int scope, int backdrop, const QString& doc);
+    /// "#RRGGBB"; an empty one goes.
+    ChangePtr setBackdropColor(int scope, int backdrop, const QString& color);
+    /// Adds a backdrop, or a note, at the end of the scope; rectangle, title, doc and color of the argument
+    /// count. Its name is made of the title.
+    ChangePtr addBackdrop(int scope, const NetBackdrop& backdrop);
+    ChangePtr removeBackdrops(int scope, const QVector<int>& backdrops);
+
     // The file
 
     /// The document's own file as it would be saved now.
@@ -101,6 +123,10 @@ Q_SIGNALS:
     void inputChanged(int scope, int node, int port);
     /// The node is there, new or again; inputChanged() follows for every connection it has.
     void nodeAdded(int scope, int node);
+    /// The backdrop's rectangle, texts or colour are now those of the scope.
+    void backdropChanged(int scope, int backdrop);
+    void backdropAdded(int scope, int backdrop);
+    void backdropRemoved(int scope, int backdrop);
     /// The node is marked as removed and nothing is connected to it. Its consumers' inputChanged() came
     /// before.
     void nodeRemoved(int scope, int node);

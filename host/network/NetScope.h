@@ -40,7 +40,11 @@ struct NetOpenEnd
 struct NetBackdrop
 {
     QString name;
-    QString title; ///< uiname, else doc, else name
+    QString title; ///< uiname, else name
+    QString doc; ///< what it says; of a note, its text
+    QString color; ///< uicolor as written; empty for none
+    bool isNote = false; ///< says of itself that it contains nothing: an explicit, empty "contains"
+    bool removed = false; ///< taken out of the document; its place in the list stays
     QRectF rect;
     NetAttributes attributes;
     int fileIndex = 0;
