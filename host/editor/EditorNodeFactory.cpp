@@ -11,6 +11,7 @@
 #include <QSet>
 
 #include <OrvNodeGraph/OrvNgPort.h>
+#include <algorithm>
 
 namespace {
 
@@ -92,9 +93,20 @@ void addOutputs(OrvNgExtendedNode* item, const NetNode& node)
 const QLatin1String kDotInput("Input");
 const QLatin1String kDotOutput("Output");
 
+const QLatin1String kPassedThrough(
+    "in"); // a dot's other input is a remark, which takes no connection
+
+int dotInput(const NetNode& node)
+{
+    return NetDefinition::indexOf(node.inputs, kPassedThrough);
+}
+
 bool isShownAsDot(const NetNode& node)
 {
-    return node.isDot() && node.inputs.size() == 1 && node.outputs.size() == 1;
+    if (!node.isDot() || node.outputs.size() != 1 || dotInput(node) < 0)
+        return false;
+    return std::all_of(node.inputs.cbegin(), node.inputs.cend(),
+        [](const NetPort& port) { return port.name == kPassedThrough || !port.isConnected(); });
 }
 
 OrvNgNode* buildDot(const NetNode& node)
@@ -151,7 +163,8 @@ QSet<QString> EditorNodeFactory::tagsOf(const NetPort& port)
 
 QString EditorNodeFactory::inputName(const NetNode& node, int port)
 {
-    return isShownAsDot(node) ? QString(kDotInput) : node.inputs.at(port).name;
+    return isShownAsDot(node) && port == dotInput(node) ? QString(kDotInput)
+                                                        : node.inputs.at(port).name;
 }
 
 QString EditorNodeFactory::outputName(const NetNode& node, int port)
@@ -162,7 +175,7 @@ QString EditorNodeFactory::outputName(const NetNode& node, int port)
 int EditorNodeFactory::inputIndex(const NetNode& node, const QString& name)
 {
     if (isShownAsDot(node))
-        return name == kDotInput ? 0 : -1;
+        return name == kDotInput ? dotInput(node) : -1;
     return NetDefinition::indexOf(node.inputs, name);
 }
 

@@ -36,6 +36,11 @@ const char kChain[] = R"(<?xml version="1.0"?>
     <input name="color" type="color3" value="0, 0, 0" />
     <output name="out" type="color3" />
   </nodedef>
+  <nodedef name="ND_dot_float" node="dot" nodegroup="organization">
+    <input name="in" type="float" value="0.0" />
+    <input name="note" type="string" value="" uniform="true" />
+    <output name="out" type="float" defaultinput="in" />
+  </nodedef>
   <give name="a" type="float" xpos="0" ypos="0" />
   <both name="b" type="float" xpos="3" ypos="0"><!-- the middle -->
     <input name="in1" type="float" nodename="a" />
