@@ -102,7 +102,7 @@ NetCounts NetCounts::ofScope(const NetDocument& document, int scopeIndex)
     counts.nodeToNode = edges.size();
     counts.depth = longestChain(counts.nodes, edges);
     for (const NetBackdrop& backdrop : scope.backdrops) {
-        if (backdrop.fileIndex != 0)
+        if (backdrop.fileIndex != 0 || backdrop.removed)
             continue;
         ++counts.backdrops;
         counts.positioned += backdrop.attributes.contains(QLatin1String("xpos")) ? 1 : 0;

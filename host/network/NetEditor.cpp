@@ -6,9 +6,11 @@
 
 #include <QFile>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 
@@ -25,6 +27,20 @@ QString numberText(qreal number)
     if (text.endsWith(QLatin1Char('.')))
         text.chop(1);
     return text == QLatin1String("-0") ? QStringLiteral("0") : text;
+}
+
+// One place of the text can be changed only once.
+template <typename Move> QVector<Move> lastOfEach(const QVector<Move>& moves, int Move::*index)
+{
+    QVector<Move> last;
+    QSet<int> seen;
+    for (auto move = moves.crbegin(); move != moves.crend(); ++move) {
+        if (seen.contains((*move).*index))
+            continue;
+        seen.insert((*move).*index);
+        last.prepend(*move);
+    }
+    return last;
 }
 
 QString coordinateText(const NetNode& node, const char* attribute, qreal old, qreal wanted)
@@ -94,19 +110,33 @@ public:
         }
         m_Done = m_Editor->m_Text->apply(&m_Edit, true);
         if (m_Done)
-            tell(m_Edit.added >= 0 ? QVector<int>{m_Edit.added} : QVector<int>(), m_Edit.removed);
+            tell(true);
     }
     void undo() override
     {
         if (!m_Done || !m_Editor || !m_Editor->m_Text->apply(&m_Edit, false))
             return;
         m_Done = false;
-        tell(m_Edit.removed, m_Edit.added >= 0 ? QVector<int>{m_Edit.added} : QVector<int>());
+        tell(false);
     }
 
 private:
+    void tell(bool forward)
+    {
+        const auto listed
+            = [](int index) { return index >= 0 ? QVector<int>{index} : QVector<int>(); };
+        const QVector<int> added = listed(m_Edit.added);
+        forward ? tellNodes(added, m_Edit.removed) : tellNodes(m_Edit.removed, added);
+        const QVector<int> addedBackdrop = listed(m_Edit.addedBackdrop);
+        for (const int each : forward ? addedBackdrop : m_Edit.removedBackdrops)
+            Q_EMIT m_Editor->backdropAdded(m_Edit.scope, each);
+        for (const int each : qAsConst(m_Edit.changedBackdrops))
+            Q_EMIT m_Editor->backdropChanged(m_Edit.scope, each);
+        for (const int each : forward ? m_Edit.removedBackdrops : addedBackdrop)
+            Q_EMIT m_Editor->backdropRemoved(m_Edit.scope, each);
+    }
     // New boxes first and vanished ones last, so that a listener knows both ends of what is rewired.
-    void tell(const QVector<int>& added, const QVector<int>& removed)
+    void tellNodes(const QVector<int>& added, const QVector<int>& removed)
     {
         for (const int node : added)
             Q_EMIT m_Editor->nodeAdded(m_Edit.scope, node);
@@ -181,7 +211,8 @@ const NetConnection* NetEditor::connectionTo(int scope, const NetPortRef& dest) 
 NetEditor::ChangePtr NetEditor::moveNodes(int scope, const QVector<NetMove>& moves)
 {
     QVector<NetMove> wanted;
-    for (const NetMove& move : moves) {
+    const QVector<NetMove> single = lastOfEach(moves, &NetMove::node);
+    for (const NetMove& move : single) {
         if (!whyNotMove(scope, move.node).isEmpty() || !std::isfinite(move.position.x())
             || !std::isfinite(move.position.y()))
             return nullptr;
@@ -326,6 +357,8 @@ NetEditor::ChangePtr NetEditor::removeNodes(int scope, const QVector<int>& nodes
         }
         edit.removed = QVector<int>(gone.cbegin(), gone.cend());
         std::sort(edit.removed.begin(), edit.removed.end());
+        // Deliberate: a backdrop whose "contains" names one of them keeps its list. Who reads it passes over
+        // names that are not there, and lists of other programs are not ours to tidy.
         NetXmlWriter writer(text.file(), &edit.patches);
         for (const int node : qAsConst(edit.removed))
             writer.remove(text.element(scope, node));
@@ -375,6 +408,223 @@ NetEditor::ChangePtr NetEditor::insertDot(
             input);
         writer.setAttributes(
             text.inputElement(scope, dest), {{"nodename", edit.addedName}}, kBindings);
+        return edit;
+    });
+}
+
+QString NetEditor::whyNotChangeBackdrop(int scope, int backdrop) const
+{
+    return NetRules(*m_Document).whyNotChangeBackdrop(scope, backdrop);
+}
+
+QString NetEditor::whyNotRemoveBackdrop(int scope, int backdrop) const
+{
+    return NetRules(*m_Document).whyNotRemoveBackdrop(scope, backdrop);
+}
+
+namespace {
+
+struct RectNumber
+{
+    const char* attribute;
+    qreal old;
+    qreal wanted;
+
+    bool isChanged() const { return numberText(old) != numberText(wanted); }
+};
+
+std::array<RectNumber, 4> rectNumbers(const QRectF& old, const QRectF& wanted)
+{
+    return {{{"xpos", old.x(), wanted.x()}, {"ypos", old.y(), wanted.y()},
+        {"width", old.width(), wanted.width()}, {"height", old.height(), wanted.height()}}};
+}
+
+bool isSameInFile(const QRectF& a, const QRectF& b)
+{
+    const auto numbers = rectNumbers(a, b);
+    return std::none_of(numbers.cbegin(), numbers.cend(),
+        [](const RectNumber& number) { return number.isChanged(); });
+}
+
+bool isUsable(const QRectF& rect)
+{
+    const auto numbers = rectNumbers({}, rect);
+    return rect.width() >= 0 && rect.height() >= 0
+        && std::all_of(numbers.cbegin(), numbers.cend(),
+            [](const RectNumber& number) { return std::isfinite(number.wanted); });
+}
+
+// A position counts only when both of its numbers are there; a size that is missing is the default one.
+NetXmlPairs rectPairs(const NetBackdrop& backdrop, const QRectF& rect)
+{
+    const auto numbers = rectNumbers(backdrop.rect, rect);
+    const bool moved = numbers[0].isChanged() || numbers[1].isChanged();
+    NetXmlPairs pairs;
+    for (const RectNumber& number : numbers) {
+        const QString text = backdrop.attributes.value(QLatin1String(number.attribute));
+        const bool position = &number < &numbers[2];
+        bool isNumber = false;
+        const qreal old = text.trimmed().toDouble(&isNumber);
+        if (number.isChanged() || (moved && position && !(isNumber && std::isfinite(old))))
+            pairs.append({number.attribute, numberText(number.wanted)});
+        else if (!text.isNull())
+            pairs.append({number.attribute, text});
+    }
+    return pairs;
+}
+
+bool isColor(const QString& text)
+{
+    static const QRegularExpression s_Color(
+        QStringLiteral("^\\s*(#[0-9A-Fa-f]{6}|[0-9.eE+-]+([\\s,]+[0-9.eE+-]+){2})\\s*$"));
+    return s_Color.match(text).hasMatch();
+}
+
+// What of a title can stand in a name; accents go, anything else becomes an underscore between words.
+QString nameOf(const NetBackdrop& backdrop)
+{
+    QString name;
+    bool gap = false;
+    for (const QChar c : backdrop.title.normalized(QString::NormalizationForm_KD)) {
+        const bool legal = c.unicode() < 128 && (c.isLetterOrNumber() || c == QLatin1Char('_'));
+        if (legal && gap && !name.isEmpty())
+            name += QLatin1Char('_');
+        if (legal)
+            name += c;
+        gap = !legal && (gap || !c.isMark());
+    }
+    if (!name.isEmpty() && !name.at(0).isDigit())
+        return name;
+    return backdrop.isNote ? QStringLiteral("note") : QStringLiteral("backdrop");
+}
+
+NetXmlPairs newBackdropPairs(const NetBackdrop& backdrop, const QString& name)
+{
+    NetXmlPairs pairs{{"name", name}};
+    for (const RectNumber& number : rectNumbers({}, backdrop.rect))
+        pairs.append({number.attribute, numberText(number.wanted)});
+    if (!backdrop.title.trimmed().isEmpty() && backdrop.title != name)
+        pairs.append({"uiname", backdrop.title});
+    if (!backdrop.doc.isEmpty())
+        pairs.append({"doc", backdrop.doc});
+    if (isColor(backdrop.color))
+        pairs.append({"uicolor", backdrop.color});
+    if (backdrop.isNote)
+        pairs.append({"contains", QString()});
+    return pairs;
+}
+
+} // namespace
+
+NetEditor::ChangePtr NetEditor::moveBackdrops(int scope, const QVector<NetBackdropMove>& moves)
+{
+    QVector<NetBackdropMove> wanted;
+    const QVector<NetBackdropMove> single = lastOfEach(moves, &NetBackdropMove::backdrop);
+    for (const NetBackdropMove& move : single) {
+        if (!whyNotChangeBackdrop(scope, move.backdrop).isEmpty() || !isUsable(move.rect))
+            return nullptr;
+        if (!isSameInFile(this->scope(scope).backdrops.at(move.backdrop).rect, move.rect))
+            wanted.append(move);
+    }
+    if (wanted.isEmpty())
+        return nullptr;
+    return std::make_unique<NetEditorChange>(this, [this, scope, wanted](const Text& text) {
+        NetEdit edit;
+        edit.scope = scope;
+        NetXmlWriter writer(text.file(), &edit.patches);
+        const auto elements = text.backdropElements(scope);
+        for (const NetBackdropMove& move : wanted) {
+            if (!whyNotChangeBackdrop(scope, move.backdrop).isEmpty())
+                continue;
+            writer.setAttributes(elements.value(move.backdrop),
+                rectPairs(this->scope(scope).backdrops.at(move.backdrop), move.rect));
+            edit.changedBackdrops.append(move.backdrop);
+        }
+        return edit;
+    });
+}
+
+NetEditor::ChangePtr NetEditor::setBackdropTitle(int scope, int backdrop, const QString& title)
+{
+    if (!whyNotChangeBackdrop(scope, backdrop).isEmpty())
+        return nullptr;
+    const QString& name = this->scope(scope).backdrops.at(backdrop).name;
+    const bool showsName = title.trimmed().isEmpty() || title == name;
+    return setBackdropAttribute(scope, backdrop, "uiname", showsName ? QString() : title);
+}
+
+NetEditor::ChangePtr NetEditor::setBackdropDoc(int scope, int backdrop, const QString& doc)
+{
+    return setBackdropAttribute(scope, backdrop, "doc", doc);
+}
+
+NetEditor::ChangePtr NetEditor::setBackdropColor(int scope, int backdrop, const QString& color)
+{
+    if (!color.isEmpty() && !isColor(color))
+        return nullptr;
+    return setBackdropAttribute(scope, backdrop, "uicolor", color);
+}
+
+NetEditor::ChangePtr NetEditor::setBackdropAttribute(
+    int scope, int backdrop, const char* attribute, const QString& value)
+{
+    if (!whyNotChangeBackdrop(scope, backdrop).isEmpty())
+        return nullptr;
+    const NetAttributes& old = this->scope(scope).backdrops.at(backdrop).attributes;
+    if (old.value(QLatin1String(attribute)) == value)
+        return nullptr;
+    const auto plan = [this, scope, backdrop, attribute, value](const Text& text) {
+        NetEdit edit;
+        if (!whyNotChangeBackdrop(scope, backdrop).isEmpty())
+            return edit;
+        edit.scope = scope;
+        edit.changedBackdrops.append(backdrop);
+        const NetXmlPairs wanted
+            = value.isEmpty() ? NetXmlPairs() : NetXmlPairs{{attribute, value}};
+        NetXmlWriter(text.file(), &edit.patches)
+            .setAttributes(text.backdropElements(scope).value(backdrop), wanted, {attribute});
+        return edit;
+    };
+    return std::make_unique<NetEditorChange>(this, plan);
+}
+
+NetEditor::ChangePtr NetEditor::addBackdrop(int scope, const NetBackdrop& backdrop)
+{
+    if (!NetRules(*m_Document).whyNotAdd(scope).isEmpty() || !isUsable(backdrop.rect))
+        return nullptr;
+    return std::make_unique<NetEditorChange>(this, [this, scope, backdrop](const Text& text) {
+        NetEdit edit;
+        if (!NetRules(*m_Document).whyNotAdd(scope).isEmpty())
+            return edit;
+        edit.scope = scope;
+        edit.addsBackdrop = true;
+        NetXmlWriter(text.file(), &edit.patches)
+            .addLast(text.scopeElement(scope), "backdrop",
+                newBackdropPairs(backdrop, text.freeName(scope, nameOf(backdrop))));
+        return edit;
+    });
+}
+
+NetEditor::ChangePtr NetEditor::removeBackdrops(int scope, const QVector<int>& backdrops)
+{
+    for (const int each : backdrops) {
+        if (!whyNotRemoveBackdrop(scope, each).isEmpty())
+            return nullptr;
+    }
+    if (backdrops.isEmpty())
+        return nullptr;
+    return std::make_unique<NetEditorChange>(this, [this, scope, backdrops](const Text& text) {
+        NetEdit edit;
+        edit.scope = scope;
+        NetXmlWriter writer(text.file(), &edit.patches);
+        const auto elements = text.backdropElements(scope);
+        for (const int each : backdrops) {
+            if (edit.removedBackdrops.contains(each)
+                || !whyNotRemoveBackdrop(scope, each).isEmpty())
+                continue;
+            edit.removedBackdrops.append(each);
+            writer.remove(elements.value(each));
+        }
         return edit;
     });
 }

@@ -89,15 +89,17 @@ public:
     // Backdrops and notes: positions in NetScope::backdrops stay the same as those of nodes do
 
     QString whyNotChangeBackdrop(int scope, int backdrop) const;
+    QString whyNotRemoveBackdrop(int scope, int backdrop) const;
     ChangePtr moveBackdrops(int scope, const QVector<NetBackdropMove>& moves);
     /// An empty title takes the name's place away: the name shows.
     ChangePtr setBackdropTitle(int scope, int backdrop, const QString& title);
     /// The text of a note, or the remark on a backdrop; an empty one goes.
     ChangePtr setBackdropDoc(int scope, int backdrop, const QString& doc);
-    /// "#RRGGBB"; an empty one goes.
+    /// "#RRGGBB", or three numbers from 0 to 1; an empty one goes. Null for any other text.
     ChangePtr setBackdropColor(int scope, int backdrop, const QString& color);
     /// Adds a backdrop, or a note, at the end of the scope; rectangle, title, doc and color of the argument
-    /// count. Its name is made of the title.
+    /// count, and isNote. Its name is made of the title; its index is the one that backdropAdded() tells, the
+    /// end of the scope's list. A colour that is none is left out.
     ChangePtr addBackdrop(int scope, const NetBackdrop& backdrop);
     ChangePtr removeBackdrops(int scope, const QVector<int>& backdrops);
 
@@ -134,6 +136,10 @@ Q_SIGNALS:
 private:
     class Text;
     friend class NetEditorChange;
+
+    /// Null when the attribute says so already; an empty value takes it out.
+    ChangePtr setBackdropAttribute(
+        int scope, int backdrop, const char* attribute, const QString& value);
 
     std::shared_ptr<NetDocument> m_Document;
     std::unique_ptr<Text> m_Text;

@@ -85,8 +85,47 @@ bool NetEditor::Text::isNameTaken(int scope, const QString& name) const
         [&name](const NetNode& node) { return node.name == name; });
     const bool wanted = std::any_of(network.openEnds.cbegin(), network.openEnds.cend(),
         [&name](const NetOpenEnd& end) { return end.wantedName == name; });
-    return box || wanted || network.indexOf(NetNode::Kind::Node, name) >= 0
-        || scopeElement(scope).find_child_by_attribute("name", name.toUtf8().constData());
+    const bool backdrop = std::any_of(network.backdrops.cbegin(), network.backdrops.cend(),
+        [&name](const NetBackdrop& each) { return each.name == name; });
+    const QByteArray text = name.toUtf8();
+    const auto holds = [&text](pugi::xml_node around) {
+        return bool(around.find_child_by_attribute("name", text.constData()));
+    };
+    // What includes bring in stands at the document level too, and would be hidden.
+    const auto& files = m_Document->files();
+    const bool included = scope == 0
+        && std::any_of(files.cbegin() + 1, files.cend(),
+            [&holds](const auto& each) { return holds(each->root()); });
+    return box || wanted || backdrop || included || network.indexOf(NetNode::Kind::Node, name) >= 0
+        || holds(scopeElement(scope));
+}
+
+QString NetEditor::Text::freeName(int scope, const QString& wanted) const
+{
+    constexpr int kMaxDigits = 6; // a longer number is taken for a part of the name
+    int end = wanted.size();
+    while (end > 1 && wanted.size() - end < kMaxDigits && wanted.at(end - 1).isDigit())
+        --end;
+    QString name = wanted;
+    for (int number = std::max(1, wanted.mid(end).toInt()); isNameTaken(scope, name);)
+        name = wanted.left(end) + QString::number(++number);
+    return name;
+}
+
+// Their order in the list is that in the file: new ones go to the end of both, and an undone removal
+// brings an element back to its old place.
+QHash<int, pugi::xml_node> NetEditor::Text::backdropElements(int scope) const
+{
+    Elements found;
+    const QVector<NetBackdrop>& backdrops = m_Document->scopes().at(scope).backdrops;
+    pugi::xml_node element = scopeElement(scope).child("backdrop");
+    for (int i = 0; i < backdrops.size() && element; ++i) {
+        if (backdrops.at(i).removed || backdrops.at(i).fileIndex != 0)
+            continue;
+        found.insert(i, element);
+        element = element.next_sibling("backdrop");
+    }
+    return found;
 }
 
 bool NetEditor::Text::setText(const QString& path, const QByteArray& bytes)
@@ -114,6 +153,7 @@ bool NetEditor::Text::apply(NetEdit* edit, bool forward)
             return false;
     }
     changeNodes(edit, forward);
+    changeBackdrops(edit, forward);
     for (const NetEdit::Node& each : qAsConst(edit->changed))
         refresh(each.scope, each.node);
     if (!edit->removed.isEmpty() || !edit->addedName.isNull())
@@ -162,6 +202,29 @@ int NetEditor::Text::appendDot(NetEdit* edit)
     if (!scope.nameSpace.isEmpty())
         scope.addAlias(index, scope.nameSpace + QLatin1Char(':') + dot.name);
     return index;
+}
+
+void NetEditor::Text::changeBackdrops(NetEdit* edit, bool forward)
+{
+    QVector<int> fresh = edit->changedBackdrops + edit->removedBackdrops;
+    if (fresh.isEmpty() && !edit->addsBackdrop)
+        return;
+    QVector<NetBackdrop>& backdrops = m_Document->m_Scopes[edit->scope].backdrops;
+    if (edit->addsBackdrop && edit->addedBackdrop < 0) {
+        edit->addedBackdrop = backdrops.size();
+        backdrops.append(NetBackdrop());
+    }
+    for (const int each : qAsConst(edit->removedBackdrops))
+        backdrops[each].removed = forward;
+    if (edit->addsBackdrop) {
+        backdrops[edit->addedBackdrop].removed = !forward;
+        fresh.append(edit->addedBackdrop);
+    }
+    const Elements there = backdropElements(edit->scope);
+    for (const int each : qAsConst(fresh)) {
+        if (const pugi::xml_node element = there.value(each))
+            backdrops[each] = NetScopeBuilder::readBackdrop(file(), element, 0);
+    }
 }
 
 void NetEditor::Text::remove(int scope, const QVector<int>& nodes)

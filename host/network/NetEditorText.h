@@ -35,6 +35,10 @@ struct NetEdit
     int added = -1; ///< its position, once it was there
     int addedBefore = -1; ///< the node whose element it stands before
     QVector<int> orderBefore; ///< of the scope's elements; filled in when the change is made first
+    QVector<int> changedBackdrops;
+    QVector<int> removedBackdrops;
+    bool addsBackdrop = false;
+    int addedBackdrop = -1; ///< its position, once it was there
     std::vector<Shown>
         shown; ///< boxes without an element; their positions are exchanged with the model's
 };
@@ -56,8 +60,14 @@ public:
     pugi::xml_node element(int scope, int node) const;
     /// The element of a box's input: the box itself, or a child; null when it is not listed.
     pugi::xml_node inputElement(int scope, const NetPortRef& dest) const;
+    /// The element of a scope: the root, or the graph's; null when it is in another file.
+    pugi::xml_node scopeElement(int scope) const;
+    /// The elements of the scope's backdrops that are there, by position.
+    QHash<int, pugi::xml_node> backdropElements(int scope) const;
     /// Names that a new element of the scope must not have.
     bool isNameTaken(int scope, const QString& name) const;
+    /// The wanted name, or one like it with another number at its end.
+    QString freeName(int scope, const QString& wanted) const;
 
     /// Makes the change, or takes it back. False, with nothing done, when the text is not the one that
     /// the change was made for.
@@ -70,11 +80,11 @@ public:
 private:
     using Elements = QHash<int, pugi::xml_node>;
 
-    pugi::xml_node scopeElement(int scope) const;
     const Elements& elements(int scope) const;
     bool setText(const QString& path, const QByteArray& bytes);
     void changeNodes(NetEdit* edit, bool forward);
     int appendDot(NetEdit* edit);
+    void changeBackdrops(NetEdit* edit, bool forward);
     void remove(int scope, const QVector<int>& nodes);
     void refresh(int scope, int node);
     void refreshBox(int scope, int node);

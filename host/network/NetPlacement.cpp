@@ -135,6 +135,13 @@ QRectF NetPlacement::toScene(const QRectF& fileRect, Unit unit)
     return {toScene(fileRect.topLeft(), unit), toScene(fileRect.bottomRight(), unit)};
 }
 
+QRectF NetPlacement::toFile(const QRectF& sceneRect, Unit unit)
+{
+    const QPointF scale = scaleOf(unit);
+    return {toFile(sceneRect.topLeft(), unit),
+        QSizeF(sceneRect.width() / scale.x(), sceneRect.height() / scale.y())};
+}
+
 QVector<QPointF> NetPlacement::place(const QVector<NetPlacementItem>& items,
     const QVector<NetLayoutEdge>& edges, Unit unit, const NetLayoutOptions& options)
 {

@@ -37,6 +37,7 @@ public:
     static QPointF toScene(const QPointF& filePosition, Unit unit);
     static QPointF toFile(const QPointF& scenePosition, Unit unit);
     static QRectF toScene(const QRectF& fileRect, Unit unit);
+    static QRectF toFile(const QRectF& sceneRect, Unit unit);
 
     /// Top left corner of every box in scene pixels. Boxes with a position keep it.
     ///

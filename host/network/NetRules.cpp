@@ -23,13 +23,17 @@ QString portName(const NetNode& node, const NetPort& port)
     return own ? node.name : node.name + QLatin1Char('.') + port.name;
 }
 
+QString included(const QString& name)
+{
+    return tr("\"%1\" comes from an included file and can be changed only there.").arg(name);
+}
+
 } // namespace
 
-QString NetRules::whyNotReach(int scope, int node) const
+QString NetRules::whyNotEnter(int scope) const
 {
     const QVector<NetScope>& scopes = m_Document.scopes();
-    if (scope < 0 || scope >= scopes.size() || node < 0 || node >= scopes.at(scope).nodes.size()
-        || scopes.at(scope).nodes.at(node).removed)
+    if (scope < 0 || scope >= scopes.size())
         return gone();
     for (int inner = scope; scopes.at(inner).parent >= 0; inner = scopes.at(inner).parent) {
         const NetScope& around = scopes.at(scopes.at(inner).parent);
@@ -40,17 +44,52 @@ QString NetRules::whyNotReach(int scope, int node) const
     return {};
 }
 
+QString NetRules::whyNotReach(int scope, int node) const
+{
+    const QString reason = whyNotEnter(scope);
+    if (!reason.isEmpty())
+        return reason;
+    const QVector<NetNode>& nodes = m_Document.scopes().at(scope).nodes;
+    const bool there = node >= 0 && node < nodes.size() && !nodes.at(node).removed;
+    return there ? QString() : gone();
+}
+
 QString NetRules::whyNotEdit(int scope, int node) const
 {
     const QString reason = whyNotReach(scope, node);
     if (!reason.isEmpty())
         return reason;
     const NetNode& box = m_Document.scopes().at(scope).nodes.at(node);
-    if (box.fileIndex > 0) {
-        return tr("\"%1\" comes from an included file and can be changed only there.")
-            .arg(box.name);
-    }
-    return {};
+    return box.fileIndex > 0 ? included(box.name) : QString();
+}
+
+QString NetRules::whyNotAdd(int scope) const
+{
+    const QString reason = whyNotEnter(scope);
+    if (!reason.isEmpty())
+        return reason;
+    const NetScope& network = m_Document.scopes().at(scope);
+    return network.fileIndex > 0 ? included(network.name) : QString();
+}
+
+QString NetRules::whyNotChangeBackdrop(int scope, int backdrop) const
+{
+    const QString reason = whyNotEnter(scope);
+    if (!reason.isEmpty())
+        return reason;
+    const QVector<NetBackdrop>& backdrops = m_Document.scopes().at(scope).backdrops;
+    if (backdrop < 0 || backdrop >= backdrops.size() || backdrops.at(backdrop).removed)
+        return gone();
+    const NetBackdrop& wanted = backdrops.at(backdrop);
+    return wanted.fileIndex > 0 ? included(wanted.title) : QString();
+}
+
+QString NetRules::whyNotRemoveBackdrop(int scope, int backdrop) const
+{
+    const QString reason = whyNotChangeBackdrop(scope, backdrop);
+    if (!reason.isEmpty())
+        return reason;
+    return whyNotUncover(scope, m_Document.scopes().at(scope).backdrops.at(backdrop).name);
 }
 
 QString NetRules::whyNotMove(int scope, int node) const
@@ -69,12 +108,16 @@ QString NetRules::whyNotRemove(int scope, int node) const
     if (scope > 0 && port)
         return tr("\"%1\" belongs to the interface of the graph and cannot be deleted.")
             .arg(box.name);
-    if (scope == 0 && isCoveringIncluded(box.name)) {
-        return tr("\"%1\" stands in for an element of an included file, which would appear in its "
-                  "place.")
-            .arg(box.name);
-    }
-    return {};
+    return whyNotUncover(scope, box.name);
+}
+
+QString NetRules::whyNotUncover(int scope, const QString& name) const
+{
+    if (scope != 0 || !isCoveringIncluded(name))
+        return {};
+    return tr("\"%1\" stands in for an element of an included file, which would appear in its "
+              "place.")
+        .arg(name);
 }
 
 bool NetRules::isCoveringIncluded(const QString& name) const

@@ -20,8 +20,12 @@ public:
     QString whyNotDisconnect(int scope, const NetPortRef& dest) const;
     QString whyNotMove(int scope, int node) const;
     QString whyNotRemove(int scope, int node) const;
+    QString whyNotAdd(int scope) const;
+    QString whyNotChangeBackdrop(int scope, int backdrop) const;
+    QString whyNotRemoveBackdrop(int scope, int backdrop) const;
 
 private:
+    QString whyNotEnter(int scope) const;
     QString whyNotReach(int scope, int node) const;
     QString whyNotEdit(int scope, int node) const;
     QString whyNotTake(int scope, const NetPortRef& dest) const;
@@ -29,6 +33,7 @@ private:
     static QString whyNotTypes(
         const NetScope& scope, const NetPortRef& source, const NetPortRef& dest);
     static bool feeds(const NetScope& scope, int source, int dest);
+    QString whyNotUncover(int scope, const QString& name) const;
     bool isCoveringIncluded(const QString& name) const;
 
     const NetDocument& m_Document;

@@ -156,7 +156,7 @@ void NetScopeBuilder::addElement(
         append(scopeIndex, read(element, m_Scopes.at(scopeIndex).kind, fileIndex, nameSpace),
             nameSpace);
     else if (qstrcmp(element.name(), "backdrop") == 0)
-        addBackdrop(scopeIndex, element, fileIndex);
+        m_Scopes[scopeIndex].backdrops.append(readBackdrop(file(fileIndex), element, fileIndex));
 }
 
 bool NetScopeBuilder::isBox(pugi::xml_node element)
@@ -275,15 +275,20 @@ NetNode NetScopeBuilder::scopePort(
     return node;
 }
 
-void NetScopeBuilder::addBackdrop(int scopeIndex, pugi::xml_node element, int fileIndex)
+NetBackdrop NetScopeBuilder::readBackdrop(
+    const NetXmlFile& file, pugi::xml_node element, int fileIndex)
 {
     NetBackdrop backdrop;
     backdrop.attributes = NetXmlFile::attributes(element);
-    backdrop.name = backdrop.attributes.value(QLatin1String("name"));
-    for (const char* name : {"uiname", "doc", "name"}) {
-        if (backdrop.title.isEmpty())
-            backdrop.title = backdrop.attributes.value(QLatin1String(name));
-    }
+    const auto text = [&backdrop](const char* attribute) {
+        return backdrop.attributes.value(QLatin1String(attribute));
+    };
+    backdrop.name = text("name");
+    backdrop.title = text("uiname").isEmpty() ? backdrop.name : text("uiname");
+    backdrop.doc = text("doc");
+    backdrop.color = text("uicolor");
+    const QString contents = text("contains");
+    backdrop.isNote = !contents.isNull() && contents.trimmed().isEmpty();
     double x = 0;
     double y = 0;
     double width = 1;
@@ -294,8 +299,8 @@ void NetScopeBuilder::addBackdrop(int scopeIndex, pugi::xml_node element, int fi
     number(backdrop.attributes, "height", &height);
     backdrop.rect = QRectF(x, y, std::max(0.0, width), std::max(0.0, height));
     backdrop.fileIndex = fileIndex;
-    backdrop.line = file(fileIndex).line(element);
-    m_Scopes[scopeIndex].backdrops.append(backdrop);
+    backdrop.line = file.line(element);
+    return backdrop;
 }
 
 QStringList NetScopeBuilder::definitionsOf(pugi::xml_node graph) const

@@ -28,6 +28,8 @@ public:
     /// inside a graph. The namespace is the one in force around the element.
     NetNode read(
         pugi::xml_node element, NetScope::Kind around, int fileIndex, const QString& nameSpace);
+    /// What a backdrop element says. Missing numbers are 0, sizes 1; a negative size is 0.
+    static NetBackdrop readBackdrop(const NetXmlFile& file, pugi::xml_node element, int fileIndex);
     /// True when such an element is a box: a node, a nodegraph, an input or an output.
     static bool isBox(pugi::xml_node element);
     /// True for a tag that is part of the format's structure, and so is not a node category.
@@ -43,7 +45,6 @@ private:
     void addElement(
         int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace);
     void addGraph(int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace);
-    void addBackdrop(int scopeIndex, pugi::xml_node element, int fileIndex);
     void addImpliedInputs(NetScope* scope, const QStringList& definitionNames);
     int append(int scopeIndex, NetNode node, const QString& nameSpace);
     NetNode nodeFrom(pugi::xml_node element, int fileIndex, NetNode::Kind kind) const;

@@ -1,12 +1,26 @@
 #include "network/NetXmlWriter.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t';
+}
+
+bool isSpace(char c)
+{
+    return isBlank(c) || c == '\r' || c == '\n';
+}
+
+// What no file of this format can hold, not even escaped; it comes with text from other programs.
+bool isForbidden(QChar c)
+{
+    return (c < QLatin1Char(' ') && c != QLatin1Char('\n') && c != QLatin1Char('\r')
+               && c != QLatin1Char('\t'))
+        || c.unicode() >= 0xFFFE;
 }
 
 } // namespace
@@ -43,7 +57,8 @@ QByteArray NetXmlWriter::indentOf(pugi::xml_node element) const
 QByteArray NetXmlWriter::childIndentOf(pugi::xml_node element) const
 {
     const QByteArray own = indentOf(element);
-    const QByteArray around = indentOf(element.parent());
+    const bool isRoot = element.parent().type() != pugi::node_element;
+    const QByteArray around = isRoot ? QByteArray() : indentOf(element.parent());
     if (own.size() > around.size() && own.startsWith(around))
         return own + own.mid(around.size());
     return own + (own.contains('\t') ? "\t" : "  ");
@@ -83,7 +98,9 @@ QByteArray NetXmlWriter::closingAt(int position) const
 
 QByteArray NetXmlWriter::escaped(const QString& value, char quote)
 {
-    QByteArray text = value.toUtf8();
+    QString legal;
+    std::remove_copy_if(value.cbegin(), value.cend(), std::back_inserter(legal), isForbidden);
+    QByteArray text = legal.toUtf8();
     text.replace('&', "&amp;").replace('<', "&lt;").replace('>', "&gt;");
     text.replace('\n', "&#10;").replace('\r', "&#13;").replace('\t', "&#9;");
     return quote == '"' ? text.replace('"', "&quot;") : text.replace('\'', "&apos;");
@@ -148,9 +165,7 @@ void NetXmlWriter::addInput(pugi::xml_node element, const NetXmlPairs& attribute
     const QByteArray newLine = ownLine ? lineEndAt(tag.begin()) : QByteArray();
     const QByteArray indent = ownLine ? childIndentOf(element) : QByteArray();
     if (tag.isSelfClosing()) {
-        m_Patches->add(m_Text, tag.lastEnd(), tag.end(),
-            '>' + newLine + indent + input + newLine + (ownLine ? indentOf(element) : QByteArray())
-                + "</" + tag.name() + '>');
+        openUp(element, input);
         return;
     }
     pugi::xml_node last;
@@ -169,6 +184,47 @@ void NetXmlWriter::addInput(pugi::xml_node element, const NetXmlPairs& attribute
     const bool flat = m_Text.mid(place, 2) == "</";
     m_Patches->add(m_Text, place, place,
         before + input + (flat && lined ? newLine + indentOf(element) : QByteArray()));
+}
+
+void NetXmlWriter::openUp(pugi::xml_node element, const QByteArray& child)
+{
+    const NetXmlTag tag = tagOf(element);
+    const bool ownLine = isFirstOnLine(tag.begin());
+    const QByteArray newLine = ownLine ? lineEndAt(tag.begin()) : QByteArray();
+    const QByteArray indent = ownLine ? childIndentOf(element) : QByteArray();
+    m_Patches->add(m_Text, tag.lastEnd(), tag.end(),
+        '>' + newLine + indent + child + newLine + (ownLine ? indentOf(element) : QByteArray())
+            + "</" + tag.name() + '>');
+}
+
+void NetXmlWriter::addLast(
+    pugi::xml_node around, const QByteArray& tag, const NetXmlPairs& attributes)
+{
+    const NetXmlTag outer = tagOf(around);
+    if (outer.isSelfClosing()) {
+        openUp(around, newTag(tag, attributes, outer.quote()) + closingAt(outer.elementEnd()));
+        return;
+    }
+    pugi::xml_node last;
+    for (const pugi::xml_node child : around.children()) {
+        if (child.type() == pugi::node_element)
+            last = child;
+    }
+    const NetXmlTag model = last ? tagOf(last) : outer;
+    const int closing = m_Text.lastIndexOf("</", outer.elementEnd() - 1);
+    int place = closing;
+    while (place > outer.end() && isSpace(m_Text.at(place - 1)))
+        --place;
+    QByteArray before;
+    QByteArray after;
+    if (isFirstOnLine(model.begin())) {
+        const QByteArray newLine = lineEndAt(model.begin());
+        before = newLine + (last ? indentOf(last) : childIndentOf(around));
+        if (place == closing)
+            after = newLine + indentOf(around);
+    }
+    m_Patches->add(m_Text, place, place,
+        before + newTag(tag, attributes, model.quote()) + closingAt(place) + after);
 }
 
 void NetXmlWriter::addNodeBefore(pugi::xml_node element, const QByteArray& tag,

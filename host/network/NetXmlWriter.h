@@ -30,6 +30,9 @@ public:
     /// Adds a node with one input right before an element.
     void addNodeBefore(pugi::xml_node element, const QByteArray& tag, const NetXmlPairs& attributes,
         const NetXmlPairs& inputAttributes);
+    /// Adds an element without children behind everything that the one around it holds; opens up one that
+    /// closes itself. It gets its own line where the last child, or else the one around, stands on one.
+    void addLast(pugi::xml_node around, const QByteArray& tag, const NetXmlPairs& attributes);
     /// Takes the element out, and with it its lines where nothing else stands on them.
     void remove(pugi::xml_node element);
 
@@ -44,6 +47,7 @@ private:
     int behindComments(int position) const;
     QByteArray newTag(const QByteArray& tag, const NetXmlPairs& attributes, char quote) const;
     QByteArray closingAt(int position) const;
+    void openUp(pugi::xml_node element, const QByteArray& child);
     static QByteArray escaped(const QString& value, char quote);
     static QByteArray written(const QPair<QByteArray, QString>& pair, char quote);
 

@@ -93,6 +93,15 @@ private:
             node.definition ? node.definition->name : QString(), place, texts(node.attributes),
             inputs, outputs});
     }
+    void addBackdrop(const NetBackdrop& backdrop)
+    {
+        QString place;
+        const QRectF& rect = backdrop.rect;
+        for (const qreal number : {rect.x(), rect.y(), rect.width(), rect.height()})
+            place += QString::number(number, 'g', 17) + QLatin1Char(' ');
+        add({backdrop.isNote ? QStringLiteral("note") : QStringLiteral("backdrop"), backdrop.name,
+            backdrop.title, backdrop.doc, backdrop.color, place, texts(backdrop.attributes)});
+    }
     void addAll()
     {
         for (int i = 0; i < m_Scope.nodes.size(); ++i) {
@@ -111,6 +120,10 @@ private:
                 m_Scope.nodes.at(end.destNode).inputs.at(end.destPort).name, end.wantedName,
                 end.wantedOutput, QString::number(static_cast<int>(end.binding)),
                 QString::number(static_cast<int>(end.reason))});
+        }
+        for (const NetBackdrop& backdrop : m_Scope.backdrops) {
+            if (!backdrop.removed)
+                addBackdrop(backdrop);
         }
         add({QStringLiteral("scope"), texts(m_Scope.attributes)});
     }

@@ -31,6 +31,10 @@ private Q_SLOTS:
     void change_touchesOnlyItsOwnPlace();
     void rule_saysWhyNot_data();
     void rule_saysWhyNot();
+    void backdropRule_saysWhyNot();
+    void newBackdrop_standsAtTheEndOfItsScope_data();
+    void newBackdrop_standsAtTheEndOfItsScope();
+    void backdrops_stayAtTheirIndexInEveryOrderOfChanges();
     void changesAskedForTogether_areMadeOneAfterTheOther();
     void removal_tellsConsumersFirstAndUndoTellsNodesFirst();
     void boxWithoutElement_movesOnScreenOnly();
@@ -52,6 +56,8 @@ const char* const kDefinitions = R"(<?xml version="1.0"?>
   <nodedef name="ND_dot" node="dot"><input name="in" type="float"/><output name="out" type="float"/></nodedef>
   <nodedef name="ND_tint" node="tint"><input name="fg" type="color3"/><output name="out" type="color3"/></nodedef>
   <output name="from_include" type="float"/>
+  <backdrop name="shared_frame" uiname="Shared"/>
+  <backdrop name="covered"/>
 </materialx>
 )";
 
@@ -76,6 +82,9 @@ const char* const kDocument = R"(<?xml version='1.0' ?>
   <constant name="k" type="string"/>
   <text name="t" type="string" />
   <tint name="tint" type="color3"/>
+  <backdrop name="frame" contains="a, b" xpos="1.0" ypos="2" width="3.50" height='4' doc="old"/>
+  <backdrop name="bare" width="-2"/>
+  <backdrop name="covered" />
   <nodegraph name="g">
 	<input name="i" type="float" value="2"/>
 	<one name="d" type="float">
@@ -140,7 +149,10 @@ Maker disconnected(const char* dest, const char* port = "in")
 
 Maker moved(const char* key, qreal x, qreal y)
 {
-    return [=](NetEditor& editor) { return editor.moveNodes(0, {{node(editor, 0, key), {x, y}}}); };
+    return [=](NetEditor& editor) {
+        const int index = node(editor, 0, key);
+        return editor.moveNodes(0, {{index, {9, 9}}, {index, {x, y}}}); // the last one counts
+    };
 }
 
 Maker removed(std::initializer_list<const char*> keys, int scope = 0)
@@ -157,6 +169,30 @@ Maker dotted(const char* dest, const char* port, int scope = 0)
 {
     return [=](NetEditor& editor) {
         return editor.insertDot(scope, input(editor, dest, port, scope), {0.25, -1.0 / 3});
+    };
+}
+
+NetBackdrop backdropOf(const QString& title, bool isNote = false)
+{
+    NetBackdrop backdrop;
+    backdrop.title = title;
+    backdrop.isNote = isNote;
+    backdrop.rect = QRectF(-0.5, 2, 1.0 / 3, 4);
+    return backdrop;
+}
+
+// Of the backdrops in the document above.
+enum { Frame, Bare, Covered, Shared };
+
+Maker reworded(NetEditor::ChangePtr (NetEditor::*set)(int, int, const QString&), const char* text)
+{
+    return [=](NetEditor& editor) { return (editor.*set)(0, Frame, QString::fromUtf8(text)); };
+}
+
+Maker reframed(int backdrop, const QRectF& rect)
+{
+    return [=](NetEditor& editor) {
+        return editor.moveBackdrops(0, {{backdrop, {7, 7, 7, 7}}, {backdrop, rect}});
     };
 }
 
@@ -232,6 +268,19 @@ void tst_NetEditor::change_touchesOnlyItsOwnPlace_data()
         "\t<dot name=\"dot1\" type=\"float\" xpos=\"0.25\" ypos=\"-0.333333\">\r\n"
         "\t\t<input name=\"in\" type=\"float\" nodename=\"d\"/>\r\n\t</dot>\r\n\t<output "
         "name=\"o\"");
+    row("move and resize a backdrop", reframed(Frame, {1, 2.25, 3.5, 4.1234567}),
+        R"(ypos="2" width="3.50" height='4')", R"(ypos="2.25" width="3.50" height='4.123457')");
+    row("move a backdrop without a place", reframed(Bare, {5, 0, 0, 1}), R"("bare" width="-2")",
+        R"("bare" width="-2" xpos="5" ypos="0")");
+    row("title", reworded(&NetEditor::setBackdropTitle, "\"A\" & b"), R"(doc="old"/>)",
+        R"(doc="old" uiname="&quot;A&quot; &amp; b"/>)");
+    row("text of two lines", reworded(&NetEditor::setBackdropDoc, "a\n\x01<b>\xC3\xA4"),
+        R"(doc="old")", "doc=\"a&#10;&lt;b&gt;\xC3\xA4\"");
+    row("no text", reworded(&NetEditor::setBackdropDoc, ""), R"( doc="old")", "");
+    row("colour", reworded(&NetEditor::setBackdropColor, "#C85252"), R"(doc="old"/>)",
+        R"(doc="old" uicolor="#C85252"/>)");
+    const Maker removal = [](NetEditor& editor) { return editor.removeBackdrops(0, {Bare, Bare}); };
+    row("remove a backdrop", removal, "  <backdrop name=\"bare\" width=\"-2\"/>\r\n", "");
 }
 
 void tst_NetEditor::change_touchesOnlyItsOwnPlace()
@@ -308,6 +357,111 @@ void tst_NetEditor::rule_saysWhyNot()
     const NetPortRef to = input(editor, dest.constData(), destPort.constData());
     QCOMPARE(editor.whyNotConnect(0, from, to), sentence);
     QCOMPARE(editor.connectInput(0, from, to) == nullptr, !sentence.isEmpty());
+}
+
+void tst_NetEditor::backdropRule_saysWhyNot()
+{
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    QCOMPARE(editor.whyNotChangeBackdrop(0, Shared),
+        QStringLiteral("\"Shared\" comes from an included file and can be changed only there."));
+    QVERIFY(!editor.removeBackdrops(0, {Frame, Shared}));
+    QVERIFY(!editor.setBackdropDoc(0, Shared, QStringLiteral("x")));
+    QVERIFY(!editor.whyNotChangeBackdrop(0, Shared + 1).isEmpty());
+    // Without it, the included one of the same name would show.
+    QVERIFY(editor.whyNotChangeBackdrop(0, Covered).isEmpty());
+    QVERIFY(!editor.removeBackdrops(0, {Covered}));
+    // Nothing to do, or nothing that a file could say.
+    QVERIFY(!reframed(Frame, {1, 2, 3.5000001, 4})(editor));
+    QVERIFY(!reframed(Frame, {1, 2, -1, 4})(editor));
+    QVERIFY(!reframed(Frame, {qQNaN(), 2, 1, 4})(editor));
+    QVERIFY(!reworded(&NetEditor::setBackdropTitle, "frame")(editor));
+    QVERIFY(!reworded(&NetEditor::setBackdropColor, "red")(editor));
+}
+
+void tst_NetEditor::newBackdrop_standsAtTheEndOfItsScope_data()
+{
+    const TestTable<int, QString, bool, QByteArray, QByteArray> row(
+        "scope", "title", "isNote", "before", "after");
+    // In the texts, @ stands for the rectangle.
+    row("behind the last one", 0, "Wood grain (2)", false,
+        "<materialx>\n   <one name=\"a\"/>\n   <!-- end -->\n\n</materialx>\n",
+        "<materialx>\n   <one name=\"a\"/>\n   <!-- end -->\n   <backdrop name=\"Wood_grain_2\" @ "
+        "uiname=\"Wood grain (2)\"/>\n\n</materialx>\n");
+    row("closing tag on the line of the last one", 0, "N", false,
+        "<materialx>\r\n\t<one name='a' /></materialx>",
+        "<materialx>\r\n\t<one name='a' />\r\n\t<backdrop name='N' @ />\r\n</materialx>");
+    row("graph that closes itself", 1, "", true,
+        "<materialx>\n  <nodegraph name=\"note\" />\n</materialx>",
+        "<materialx>\n  <nodegraph name=\"note\">\n    <backdrop name=\"note\" @ contains=\"\" />\n"
+        "  </nodegraph>\n</materialx>");
+    row("name taken", 0, "step_1", false,
+        "<materialx>\n  <nodegraph name=\"step_1\"/>\n  <look name=\"step_2\"/>\n</materialx>",
+        "<materialx>\n  <nodegraph name=\"step_1\"/>\n  <look name=\"step_2\"/>\n"
+        "  <backdrop name=\"step_3\" @ uiname=\"step_1\"/>\n</materialx>");
+    row("empty document, no letters", 0, "3 \xE6\x9C\xA8", false, "<materialx>\n</materialx>",
+        "<materialx>\n  <backdrop name=\"backdrop\" @ uiname=\"3 \xE6\x9C\xA8\" />\n</materialx>");
+    row("all on one line, accents", 0, "\xC3\x89t\xC3\xA9", false, "<materialx><a/></materialx>",
+        "<materialx><a/><backdrop name=\"Ete\" @ uiname=\"\xC3\x89t\xC3\xA9\"/></materialx>");
+}
+
+void tst_NetEditor::newBackdrop_standsAtTheEndOfItsScope()
+{
+    QFETCH(int, scope);
+    QFETCH(QString, title);
+    QFETCH(bool, isNote);
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    const char* const quote = before.contains('\'') ? "'" : "\"";
+    after.replace(
+        "@", QByteArray("xpos='-0.5' ypos='2' width='0.333333' height='4'").replace("'", quote));
+    Fixture fixture(before);
+    NetEditor& editor = *fixture.editor;
+    const QSignalSpy added(&editor, &NetEditor::backdropAdded);
+    const auto change = editor.addBackdrop(scope, backdropOf(title, isNote));
+    change->redo();
+    QCOMPARE(editor.text(), after);
+    QCOMPARE(added, (QList<QVariantList>{{scope, 0}}));
+    const NetBackdrop& backdrop = editor.scope(scope).backdrops.at(0);
+    QCOMPARE(backdrop.title, title.isEmpty() ? QStringLiteral("note") : title);
+    QCOMPARE(backdrop.isNote, isNote);
+    change->undo();
+    QCOMPARE(editor.text(), before);
+    QVERIFY(editor.scope(scope).backdrops.at(0).removed);
+}
+
+void tst_NetEditor::backdrops_stayAtTheirIndexInEveryOrderOfChanges()
+{
+    Fixture fixture;
+    NetEditor& editor = *fixture.editor;
+    QStringList told;
+    const auto teller = [&told](const char* what) {
+        return [&told, what](
+                   int, int index) { told.append(QLatin1String(what) + QString::number(index)); };
+    };
+    connect(&editor, &NetEditor::backdropAdded, this, teller("+"));
+    connect(&editor, &NetEditor::backdropRemoved, this, teller("-"));
+    connect(&editor, &NetEditor::backdropChanged, this, teller("~"));
+    // The included one stands between the document's own and the new one; "dropped" is undone and stays
+    // in the list.
+    const auto dropped = editor.addBackdrop(0, backdropOf(QStringLiteral("dropped")));
+    dropped->redo();
+    dropped->undo();
+    std::vector<NetEditor::ChangePtr> changes;
+    changes.push_back(editor.addBackdrop(0, backdropOf(QStringLiteral("dropped"))));
+    changes.push_back(editor.removeBackdrops(0, {Frame}));
+    for (const auto& change : changes)
+        change->redo();
+    const int fresh = Shared + 2;
+    changes.push_back(editor.setBackdropDoc(0, fresh, QStringLiteral("two\nlines")));
+    changes.back()->redo();
+    QCOMPARE(editor.scope(0).backdrops.at(fresh).doc, QStringLiteral("two\nlines"));
+    QCOMPARE(editor.scope(0).backdrops.at(fresh).name, QStringLiteral("dropped2"));
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change)
+        (*change)->undo();
+    QCOMPARE(editor.text(), documentText());
+    QCOMPARE(told.join(QLatin1Char(' ')), QStringLiteral("+4 -4 +5 -0 ~5 ~5 +0 -5"));
+    QCOMPARE(editor.scope(0).backdrops.at(Frame).doc, QStringLiteral("old"));
 }
 
 void tst_NetEditor::changesAskedForTogether_areMadeOneAfterTheOther()

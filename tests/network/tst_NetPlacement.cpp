@@ -47,6 +47,8 @@ void tst_NetPlacement::positionedBoxes_stayWhereTheFileSays()
         (QVector<QPointF>{{-207, 232}, {-138, 232}}));
     QCOMPARE(NetPlacement::place(items, edges, NetPlacement::Unit::Pixel),
         (QVector<QPointF>{{-1.5, 2}, {-1, 2}}));
+    QCOMPARE(NetPlacement::toFile(QRectF(-207, 232, 276, 58), NetPlacement::Unit::Node),
+        QRectF(-1.5, 2, 2, 0.5));
 }
 
 void tst_NetPlacement::looseBoxes_standBesideThePositionedOnes_data()

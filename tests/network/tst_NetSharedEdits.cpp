@@ -28,7 +28,8 @@ private:
 
 namespace {
 
-constexpr int kChanges = 20;
+constexpr int kKinds = 9;
+constexpr int kChanges = 2 * kKinds;
 
 // Draws changes that the rules allow, from a fixed sequence of numbers.
 class Dice
@@ -59,6 +60,7 @@ private:
     {
         return limit > 0 ? static_cast<int>(m_Numbers() % static_cast<unsigned>(limit)) : -1;
     }
+    QRectF rect() { return {point(), QSizeF(below(900) / 70.0, below(900) / 110.0)}; }
     QPointF point() { return {below(4000) / 70.0 - 20, below(4000) / 110.0 - 10}; }
     int nodeIn(int scope) { return below(m_Editor->scope(scope).nodes.size()); }
 
@@ -80,8 +82,38 @@ private:
             const QSet<int> two{node, nodeIn(scope)};
             return m_Editor->removeNodes(scope, {two.cbegin(), two.cend()});
         }
-        default:
+        case 4:
             return m_Editor->insertDot(scope, dest, point());
+        default:
+            return tryBackdrop(kind, scope);
+        }
+    }
+
+    NetEditor::ChangePtr tryBackdrop(int kind, int scope)
+    {
+        static const QStringList s_Texts{QString(), QStringLiteral("a \"<&\n'b"),
+            QString::fromUtf8("R\xC3\xA9sum\xC3\xA9 2"), QStringLiteral("#12aBfF")};
+        const QString& text = s_Texts.at(below(s_Texts.size()));
+        const int backdrop = below(m_Editor->scope(scope).backdrops.size());
+        if (kind == 5) {
+            NetBackdrop fresh;
+            fresh.rect = rect();
+            fresh.title = text;
+            fresh.doc = s_Texts.at(below(s_Texts.size()));
+            fresh.isNote = below(2) == 1;
+            return m_Editor->addBackdrop(scope, fresh);
+        }
+        if (kind == 6)
+            return m_Editor->moveBackdrops(scope, {{backdrop, rect()}});
+        if (kind == 8)
+            return m_Editor->removeBackdrops(scope, {backdrop});
+        switch (below(3)) {
+        case 0:
+            return m_Editor->setBackdropTitle(scope, backdrop, text);
+        case 1:
+            return m_Editor->setBackdropDoc(scope, backdrop, text);
+        default:
+            return m_Editor->setBackdropColor(scope, backdrop, text);
         }
     }
 
@@ -146,7 +178,7 @@ void tst_NetSharedEdits::editedModel_isWhatTheEditedTextSays()
     QVector<QByteArray> texts{bytes};
     QVector<QStringList> models{NetModelText::of(editor.document())};
     for (int i = 0; i < kChanges; ++i) {
-        NetEditor::ChangePtr change = dice.draw(i % 5);
+        NetEditor::ChangePtr change = dice.draw(i % kKinds);
         if (!change)
             continue;
         change->redo();
