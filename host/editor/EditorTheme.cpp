@@ -3,8 +3,11 @@
 #include <QApplication>
 #include <QFont>
 #include <QFontInfo>
+#include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 
 namespace {
 
@@ -14,6 +17,46 @@ const QColor kButton(64, 66, 71);
 const QColor kText(222, 224, 228);
 const QColor kFaintText(132, 136, 143);
 const QColor kAccent(255, 176, 59);
+
+constexpr qreal kBandFill = 0.12; // opacity
+constexpr qreal kBandRadius = 2; // pixels
+
+/// Fusion, but with a rubber band through which the nodes inside can be seen.
+class ThemeStyle : public QProxyStyle
+{
+public:
+    using QProxyStyle::QProxyStyle;
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+        const QWidget* widget) const override
+    {
+        if (element == CE_RubberBand)
+            drawBand(option->rect, painter);
+        else
+            QProxyStyle::drawControl(element, option, painter, widget);
+    }
+    /// The whole band is painted, not only its frame.
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+        QStyleHintReturn* data) const override
+    {
+        return hint == SH_RubberBand_Mask ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
+private:
+    static void drawBand(const QRectF& rect, QPainter* painter)
+    {
+        QColor fill = kAccent;
+        fill.setAlphaF(kBandFill);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(kAccent, 1));
+        painter->setBrush(fill);
+        // The middle of the line lies half a pixel inside, so that all of it is within the rectangle.
+        const qreal half = 0.5;
+        painter->drawRoundedRect(rect.adjusted(half, half, -half, -half), kBandRadius, kBandRadius);
+        painter->restore();
+    }
+};
 
 QPalette palette()
 {
@@ -77,7 +120,7 @@ QString styleSheet()
 
 void EditorTheme::apply(QApplication* application)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new ThemeStyle(QStyleFactory::create(QStringLiteral("Fusion"))));
     QApplication::setPalette(palette());
     QApplication::setFont(font());
     application->setStyleSheet(styleSheet());
