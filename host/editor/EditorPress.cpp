@@ -6,7 +6,7 @@
 #include <QScopeGuard>
 #include <QSignalBlocker>
 
-#include <OrvNodeGraph/OrvNgNode.h>
+#include <OrvNodeGraph/OrvNgBackdropNode.h>
 
 void EditorPress::remember(const QGraphicsScene* scene)
 {
@@ -20,6 +20,14 @@ void EditorPress::remember(const QGraphicsScene* scene)
         auto* node = dynamic_cast<OrvNgNode*>(item);
         if (node && node != grabber)
             m_Places.append({node, node->pos()});
+    }
+    // A backdrop takes its children along, selected or not.
+    if (auto* backdrop = dynamic_cast<OrvNgBackdropNode*>(grabber)) {
+        const QList<QPointer<OrvNgNode>> children = backdrop->childrenList();
+        for (const QPointer<OrvNgNode>& child : children) {
+            if (child)
+                m_Places.append({child, child->pos()});
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <OrvCoreModules/OrvShortcutManager.h>
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QGestureEvent>
 #include <QGraphicsScene>
@@ -12,6 +13,7 @@
 #include <QTimer>
 #include <QWheelEvent>
 
+#include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgNode.h>
 #include <cstdlib>
@@ -121,6 +123,7 @@ void EditorView::hideEvent(QHideEvent* event)
     OrvNgView::hideEvent(event);
     letGoOfKeys();
     setMouseHeld(false);
+    followActivity(false);
 }
 
 void EditorView::paintEvent(QPaintEvent* event)
@@ -301,8 +304,10 @@ void EditorView::mousePressEvent(QMouseEvent* event)
 {
     setMouseHeld(true);
     OrvNgView::mousePressEvent(event);
+    followActivity(false);
     if (event->button() != Qt::LeftButton)
         return;
+    m_PressPos = event->pos();
     m_Press.remember(scene());
     m_BandPossible = scene() && !scene()->mouseGrabberItem();
 }
@@ -319,12 +324,43 @@ void EditorView::mouseMoveEvent(QMouseEvent* event)
     OrvNgView::mouseMoveEvent(event);
     if (event->buttons() == Qt::NoButton)
         setMouseHeld(false); // the release went elsewhere
+    const bool isFar
+        = (event->pos() - m_PressPos).manhattanLength() >= QApplication::startDragDistance();
+    followActivity(
+        event->buttons().testFlag(Qt::LeftButton) && (isFar || m_Activity != Activity::Idle));
 }
 
 void EditorView::mouseReleaseEvent(QMouseEvent* event)
 {
     OrvNgView::mouseReleaseEvent(event);
     setMouseHeld(event->buttons() != Qt::NoButton);
+    followActivity(false);
+}
+
+bool EditorView::canBandSelect(QGraphicsItem* item, const QPolygonF& band) const
+{
+    auto* backdrop = dynamic_cast<OrvNgBackdropNode*>(item);
+    if (!backdrop)
+        return true;
+    QRectF titleBar = backdrop->boundingRect();
+    titleBar.setHeight(qreal(backdrop->titleBarHeight()));
+    return band.intersects(backdrop->mapToScene(titleBar));
+}
+
+void EditorView::followActivity(bool isDragging)
+{
+    const QGraphicsItem* grabber = scene() ? scene()->mouseGrabberItem() : nullptr;
+    Activity activity = Activity::Idle;
+    if (dynamic_cast<const OrvNgEdge*>(grabber))
+        activity = Activity::CarryingEdge;
+    else if (isDragging && dynamic_cast<const OrvNgBackdropNode*>(grabber))
+        activity = Activity::DraggingBackdrop;
+    else if (isDragging && dynamic_cast<const OrvNgNode*>(grabber))
+        activity = Activity::DraggingNode;
+    if (activity == m_Activity)
+        return;
+    m_Activity = activity;
+    Q_EMIT activityChanged(m_Activity);
 }
 
 void EditorView::setMouseHeld(bool held)
@@ -340,6 +376,13 @@ void EditorView::setMouseHeld(bool held)
 // Giving up
 
 bool EditorView::cancel()
+{
+    const bool isDone = cancelWhatHoldsTheMouse();
+    followActivity(false);
+    return isDone;
+}
+
+bool EditorView::cancelWhatHoldsTheMouse()
 {
     QGraphicsItem* grabber = scene() ? scene()->mouseGrabberItem() : nullptr;
     if (auto* edge = dynamic_cast<OrvNgEdge*>(grabber))

@@ -43,6 +43,10 @@ public:
     };
     Q_DECLARE_FLAGS(HeldKeys, HeldKey)
 
+    /// What the mouse is doing with an item.
+    enum class Activity { Idle, DraggingNode, DraggingBackdrop, CarryingEdge };
+    Q_ENUM(Activity)
+
     explicit EditorView(QWidget* parent);
 
     /// Fits a scene rectangle with a margin, without magnifying beyond 125 %. Before the view is
@@ -64,6 +68,8 @@ public:
     /// A mouse button that went down here is not up yet: something may be under way that an undo would
     /// disturb.
     bool isMouseHeld() const { return m_MouseHeld; }
+    /// A node is dragged once it has gone far enough to mean it; an edge is carried with the button up too.
+    Activity activity() const { return m_Activity; }
     /// Gives up what the mouse is doing: an edge goes home, a path cuts nothing, dragged nodes go back, a
     /// band selects nothing. False when there was nothing.
     bool cancel();
@@ -75,6 +81,7 @@ Q_SIGNALS:
     void scaleChanged(double scale);
     void heldKeysChanged(EditorView::HeldKeys held);
     void mouseHeldChanged(bool held);
+    void activityChanged(EditorView::Activity activity);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -90,6 +97,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     bool focusNextPrevChild(bool next) override;
+    /// A backdrop's body is empty space: bands drawn inside it would select it otherwise.
+    bool canBandSelect(QGraphicsItem* item, const QPolygonF& band) const override;
 
 private:
     void zoomAbout(const QPointF& viewPos, const std::function<void()>& zoom);
@@ -101,6 +110,8 @@ private:
     void letGoOfKeys();
     void followCutKey();
     void setMouseHeld(bool held);
+    void followActivity(bool isDragging);
+    bool cancelWhatHoldsTheMouse();
     bool cancelEdge(OrvNgEdge* edge);
     bool cancelCut();
     bool cancelNodeDrag();
@@ -116,6 +127,8 @@ private:
     int m_LastRelease = 0;
     bool m_Cutting = false; ///< the cursor cuts; outlasts the key until the button is up
     bool m_MouseHeld = false;
+    QPoint m_PressPos; ///< of the left button, in viewport pixels
+    Activity m_Activity = Activity::Idle;
     bool m_BandPossible = false; ///< the left button went down and nothing took it
 };
 

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <cmath>
 
 using namespace EditorTesting;
@@ -45,6 +46,8 @@ private Q_SLOTS:
     void heldKeys_endWithKeyOrFocus();
     void cut_begunIsFinishedWithoutTheKey();
     void tab_staysInTheGraph();
+    void band_takesBackdropsByTheTitleBar_data();
+    void band_takesBackdropsByTheTitleBar();
 
 private:
     void turn(const QPoint& angle, Qt::ScrollPhase phase = Qt::NoScrollPhase,
@@ -229,6 +232,42 @@ void tst_EditorView::tab_staysInTheGraph()
     QVERIFY(m_View->hasFocus());
     QTest::keyClick(m_View, Qt::Key_Tab, Qt::ShiftModifier);
     QVERIFY(m_View->hasFocus());
+}
+
+void tst_EditorView::band_takesBackdropsByTheTitleBar_data()
+{
+    // In the backdrop's coordinates; its title bar ends at 0.
+    const TestTable<QPoint, QPoint, bool> row("from", "to", "isTaken");
+    row("inside the body", QPoint(40, 90), QPoint(160, 130), false);
+    row("across the lower border", QPoint(40, 90), QPoint(160, 190), false);
+    row("into the title bar", QPoint(40, 90), QPoint(160, -4), true);
+    row("around all of it", QPoint(-60, -80), QPoint(300, 250), true);
+}
+
+void tst_EditorView::band_takesBackdropsByTheTitleBar()
+{
+    QFETCH(QPoint, from);
+    QFETCH(QPoint, to);
+    QFETCH(bool, isTaken);
+    auto backdrop = std::make_unique<OrvNgBackdropNode>(nullptr);
+    m_Scene.addItem(backdrop.get());
+    backdrop->setLabel(QString());
+    backdrop->resizeNode({200, 150});
+    m_View->lookAt(backdrop->sceneBoundingRect().center(), 1);
+    const QPointF body(0, double(backdrop->titleBarHeight()));
+    const auto viewPos
+        = [&](const QPoint& pos) { return m_View->mapFromScene(backdrop->mapToScene(body + pos)); };
+    const auto mouse = [&](QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons) {
+        QWidget* viewport = m_View->viewport();
+        QMouseEvent event(type, viewPos(pos), viewport->mapToGlobal(viewPos(pos)),
+            type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(viewport, &event);
+    };
+    mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
+    mouse(QEvent::MouseMove, (from + to) / 2, Qt::LeftButton);
+    mouse(QEvent::MouseMove, to, Qt::LeftButton);
+    mouse(QEvent::MouseButtonRelease, to, Qt::NoButton);
+    QCOMPARE(backdrop->isSelected(), isTaken);
 }
 
 QTEST_MAIN(tst_EditorView)
