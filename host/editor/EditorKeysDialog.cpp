@@ -60,21 +60,35 @@ QString EditorKeysDialog::heldRows()
         + row(tr("Escape"), tr("Give up what the mouse is doing"));
 }
 
+QString EditorKeysDialog::navigationRows(bool isHarbor)
+{
+    const QString pan = isHarbor ? tr("Middle button, Alt + Left button, two fingers")
+                                 : tr("Middle button, Alt + Left or Right button, two fingers");
+    const QString zoom
+        = isHarbor ? tr("Alt + Right button, Alt + Ctrl + Left button") : tr("Alt + Middle button");
+    const QString title = isHarbor ? tr("Navigation: Harbor") : tr("Navigation: Quill");
+    return heading(title) + row(tr("Wheel, pinch"), tr("Zoom about the mouse"))
+        + row(pan, tr("Pan")) + row(zoom, tr("Zoom by dragging"))
+        + row(tr("Left button in the minimap"), tr("Look there"));
+}
+
 QString EditorKeysDialog::mouseRows()
 {
-    return heading(tr("Mouse")) + row(tr("Wheel, pinch"), tr("Zoom about the mouse"))
-        + row(tr("Middle button, two fingers"), tr("Pan"))
-        + row(tr("Alt + Middle button"), tr("Zoom by dragging"))
+    return heading(tr("Mouse"))
         + row(tr("Left button on a port, on an edge's end"), tr("Connect, reconnect"))
         + row(tr("Left button on empty space"), tr("Select by a band"))
         + row(tr("Shift, Ctrl, both"), tr("Add to, take from, toggle the selection"))
         + row(tr("Drop a node on an edge"), tr("Put it in"))
         + row(tr("Shake a dragged node"), tr("Take it out of its chain"))
+        + row(tr("Right button while an edge is carried"), tr("Give it up"))
+        + row(tr("Title bar of a backdrop"), tr("Select and move it with all inside"))
+        + row(tr("Corners of a backdrop"), tr("Resize it"))
         + row(tr("Button at the right of a header"), tr("Next port list mode"))
         + row(tr("Double click"), tr("Enter a graph"));
 }
 
-EditorKeysDialog::EditorKeysDialog(const QMenuBar* menus, QWidget* parent)
+EditorKeysDialog::EditorKeysDialog(
+    const QMenuBar* menus, const QString& navigationScheme, QWidget* parent)
     : QDialog(parent)
 {
     setWindowTitle(tr("Keys and Mouse"));
@@ -86,7 +100,8 @@ EditorKeysDialog::EditorKeysDialog(const QMenuBar* menus, QWidget* parent)
     }
     auto* tables = new QHBoxLayout;
     tables->setSpacing(40);
-    for (const QString& rows : {menuHtml, heldRows() + mouseRows()}) {
+    const bool isHarbor = navigationScheme == QLatin1String("Harbor");
+    for (const QString& rows : {menuHtml, heldRows() + navigationRows(isHarbor) + mouseRows()}) {
         auto* label
             = new QLabel(QStringLiteral("<table cellspacing='2'>%1</table>").arg(rows), this);
         tables->addWidget(label, 0, Qt::AlignTop);

@@ -15,9 +15,12 @@ class EditorKeysDialog : public QDialog
     Q_OBJECT
 
 public:
-    explicit EditorKeysDialog(const QMenuBar* menus, QWidget* parent = nullptr);
+    /// The scheme, "Quill" or "Harbor", decides what the mouse does with Alt.
+    EditorKeysDialog(
+        const QMenuBar* menus, const QString& navigationScheme, QWidget* parent = nullptr);
 
 private:
     static QString heldRows();
+    static QString navigationRows(bool isHarbor);
     static QString mouseRows();
 };

@@ -1,7 +1,11 @@
 #include "editor/EditorQuestions.h"
 
+#include "editor/EditorSettings.h"
+
+#include <QColorDialog>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -59,6 +63,30 @@ QString EditorQuestions::pathToSave(const QString& presentPath)
     dialog.setDefaultSuffix(QStringLiteral("mtlx"));
     dialog.selectFile(QFileInfo(presentPath).fileName());
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+int EditorQuestions::gridSize(int present)
+{
+    bool isGiven = false;
+    const int size = QInputDialog::getInt(m_Parent, tr("Grid Size"),
+        tr("Width and height of a cell, in units of the graph:"), present, 1,
+        EditorSettings::kLargestGrid, 1, &isGiven);
+    return isGiven ? size : 0;
+}
+
+std::optional<QString> EditorQuestions::text(
+    const QString& title, const QString& label, const QString& present, bool manyLines)
+{
+    bool isGiven = false;
+    const QString text = manyLines
+        ? QInputDialog::getMultiLineText(m_Parent, title, label, present, &isGiven)
+        : QInputDialog::getText(m_Parent, title, label, QLineEdit::Normal, present, &isGiven);
+    return isGiven ? std::optional<QString>(text) : std::nullopt;
+}
+
+QColor EditorQuestions::color(const QString& title, const QColor& present)
+{
+    return QColorDialog::getColor(present, m_Parent, title);
 }
 
 void EditorQuestions::tellFailure(const QString& what, const QString& why)

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QColor>
 #include <QCoreApplication>
 #include <QString>
+
+#include <optional>
 
 class QWidget;
 
@@ -29,6 +32,13 @@ public:
     virtual QString pathToOpen(const QString& folder);
     /// Where to save to, after asking about a file that is there already; empty for nowhere.
     virtual QString pathToSave(const QString& presentPath);
+    /// The side of a square grid cell, in scene units; 0 when the user thought better of it.
+    virtual int gridSize(int present);
+    /// A line of text, or several; none when the user thought better of it.
+    virtual std::optional<QString> text(
+        const QString& title, const QString& label, const QString& present, bool manyLines);
+    /// An invalid colour when the user thought better of it.
+    virtual QColor color(const QString& title, const QColor& present);
     /// Something that the user asked for was not done.
     virtual void tellFailure(const QString& what, const QString& why);
 

@@ -9,10 +9,11 @@ namespace {
 
 constexpr int kMostRecentFiles = 10;
 constexpr int kStateVersion = 1; // of the window's bars
-constexpr int kLargestGrid = 1000; // scene units
 
 const auto kRecentFiles = QStringLiteral("recentFiles");
 const auto kShake = QStringLiteral("preferences/shakeToExtract");
+const auto kMinimap = QStringLiteral("view/minimap");
+const auto kNavigation = QStringLiteral("view/navigation");
 const auto kGeometry = QStringLiteral("window/geometry");
 const auto kState = QStringLiteral("window/state");
 const auto kShowGrid = QStringLiteral("grid/show");
@@ -73,6 +74,30 @@ void EditorSettings::setShakeOn(bool on)
 {
     if (m_File)
         m_File->setValue(kShake, on);
+}
+
+bool EditorSettings::isMinimapOn() const
+{
+    return !m_File || m_File->value(kMinimap, true).toBool();
+}
+
+void EditorSettings::setMinimapOn(bool on)
+{
+    if (m_File)
+        m_File->setValue(kMinimap, on);
+}
+
+QString EditorSettings::navigationScheme() const
+{
+    const auto harbor = QStringLiteral("Harbor");
+    const bool isHarbor = m_File && m_File->value(kNavigation).toString() == harbor;
+    return isHarbor ? harbor : QStringLiteral("Quill");
+}
+
+void EditorSettings::setNavigationScheme(const QString& scheme)
+{
+    if (m_File)
+        m_File->setValue(kNavigation, scheme);
 }
 
 void EditorSettings::keepWindow(const QMainWindow& window)

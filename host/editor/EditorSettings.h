@@ -17,6 +17,8 @@ class QSettings;
 class EditorSettings
 {
 public:
+    static constexpr int kLargestGrid = 1000; ///< scene units
+
     EditorSettings();
     explicit EditorSettings(std::unique_ptr<QSettings> file);
     EditorSettings(EditorSettings&& other) noexcept;
@@ -32,6 +34,13 @@ public:
     /// Whether shaking a dragged node takes it out of its connections.
     bool isShakeOn() const;
     void setShakeOn(bool on);
+
+    bool isMinimapOn() const;
+    void setMinimapOn(bool on);
+
+    /// "Quill" or "Harbor".
+    QString navigationScheme() const;
+    void setNavigationScheme(const QString& scheme);
 
     /// Where the window was, and how large.
     void keepWindow(const QMainWindow& window);

@@ -4,6 +4,7 @@
 #include "editor/EditorHistory.h"
 #include "editor/EditorMessageBar.h"
 #include "editor/EditorNavigator.h"
+#include "editor/EditorPreferencesDialog.h"
 #include "editor/EditorQuestions.h"
 #include "editor/EditorSaving.h"
 #include "editor/EditorView.h"
@@ -11,8 +12,10 @@
 #include "network/NetReader.h"
 
 #include <OrvCore/OrvUndoManager.h>
+#include <OrvCoreModules/OrvShaderNetworkManager.h>
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QDragEnterEvent>
@@ -47,6 +50,27 @@ QString droppedFile(const QMimeData* data)
     return urls.size() == 1 ? urls.constFirst().toLocalFile() : QString();
 }
 
+/// The includes that lead elsewhere, or nowhere, since the document's file has its present path.
+QVector<NetMessage> movedIncludes(
+    const NetDocument& document, const QString& oldPath, const NetSearchPath& searchPath)
+{
+    const NetXmlFile& file = document.file();
+    QVector<NetMessage> messages;
+    for (const pugi::xml_node element : file.root().children("xi:include")) {
+        const QString name = NetXmlFile::attribute(element, "href");
+        const QString before = searchPath.resolve(name, oldPath);
+        const QString now = searchPath.resolve(name, file.path());
+        if (before == now)
+            continue;
+        NetMessage message{NetMessage::Severity::Warning, file.path(), file.line(element), {}};
+        message.text = now.isEmpty()
+            ? EditorWindow::tr("The included file \"%1\" is not found from here.").arg(name)
+            : EditorWindow::tr("From here, \"%1\" includes another file.").arg(name);
+        messages.append(message);
+    }
+    return messages;
+}
+
 } // namespace
 
 EditorWindow::EditorWindow(const NetSearchPath& searchPath, QWidget* parent)
@@ -74,6 +98,7 @@ void EditorWindow::connectParts()
     connect(m_View, &EditorView::scaleChanged, this,
         [this](double scale) { m_Scale->setText(tr("%1 %").arg(qRound(scale * 100))); });
     connect(m_View, &EditorView::heldKeysChanged, this, &EditorWindow::followHeldKeys);
+    connect(m_View, &EditorView::activityChanged, this, &EditorWindow::showHints);
     connect(m_View, &EditorView::shakeToExtractTriggered, this, [this] {
         if (scene())
             scene()->extractSelection();
@@ -101,6 +126,13 @@ void EditorWindow::useSettings(EditorSettings settings)
     m_Settings = std::move(settings);
     m_Settings.restoreGrid();
     m_Shake->setChecked(m_Settings.isShakeOn());
+    m_Minimap->setChecked(m_Settings.isMinimapOn());
+    const QString scheme = m_Settings.navigationScheme();
+    const QList<QAction*> schemes = m_Schemes->actions();
+    for (QAction* action : schemes) {
+        if (action->data().toString() == scheme)
+            action->setChecked(true);
+    }
 }
 
 bool EditorWindow::restorePlace()
@@ -188,7 +220,13 @@ bool EditorWindow::save()
 
 bool EditorWindow::saveAs()
 {
-    return m_Saving->saveAs();
+    const QString oldPath = filePath();
+    if (!m_Saving->saveAs())
+        return false;
+    const QVector<NetMessage> moved = movedIncludes(*document(), oldPath, m_SearchPath);
+    if (!moved.isEmpty())
+        m_MessageBar->setMessages(tr("Includes are found relative to the file."), moved);
+    return true;
 }
 
 /// The document may have another file by now.
@@ -260,6 +298,21 @@ void EditorWindow::frameSelection()
 void EditorWindow::zoomToActualSize()
 {
     m_View->lookAt(m_View->look().center, 1.0);
+}
+
+void EditorWindow::chooseGridSize()
+{
+    auto* grid = OrvShaderNetworkManager::instance();
+    const int size = m_Saving->questions()->gridSize(grid->gridWidth());
+    if (size <= 0)
+        return;
+    grid->setGridWidth(size);
+    grid->setGridHeight(size);
+}
+
+void EditorWindow::showPreferences()
+{
+    EditorPreferencesDialog::showFor(this);
 }
 
 void EditorWindow::setPortListMode(EditorScene::Mode mode)
@@ -340,7 +393,13 @@ void EditorWindow::followHeldKeys()
     if (dotScene && m_DotScene != dotScene)
         dotScene->setDotMode(true);
     m_DotScene = dotScene;
+    showHints();
+}
 
+QStringList EditorWindow::hints() const
+{
+    using Activity = EditorView::Activity;
+    const EditorView::HeldKeys held = m_View->heldKeys();
     QStringList hints;
     if (held.testFlag(EditorView::HeldCut))
         hints.append(tr("Drag across edges to cut them."));
@@ -348,11 +407,25 @@ void EditorWindow::followHeldKeys()
         hints.append(tr("Click a marker to put a dot into its edge."));
     if (held.testFlag(EditorView::HeldPlace))
         hints.append(tr("Nodes are not put into the edges below them."));
-    if (!hints.isEmpty())
-        statusBar()->showMessage(hints.join(QLatin1Char(' ')));
+    const Activity activity = m_View->activity();
+    if (activity == Activity::DraggingNode && !held)
+        hints.append(tr("S: do not put it into an edge."));
+    if (activity == Activity::DraggingNode || activity == Activity::DraggingBackdrop)
+        hints.append(tr("Escape: put it back."));
+    if (activity == Activity::CarryingEdge)
+        hints.append(tr("Right click or Escape: cancel."));
+    return hints;
+}
+
+/// A message that came meanwhile stays when the hints go.
+void EditorWindow::showHints()
+{
+    const QString hint = hints().join(QStringLiteral("   "));
+    if (!hint.isEmpty())
+        statusBar()->showMessage(hint);
     else if (statusBar()->currentMessage() == m_Hint)
         statusBar()->clearMessage();
-    m_Hint = hints.join(QLatin1Char(' '));
+    m_Hint = hint;
 }
 
 void EditorWindow::showStatus(const QString& text)

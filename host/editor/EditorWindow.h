@@ -18,6 +18,7 @@ class EditorQuestions;
 class EditorSaving;
 class EditorView;
 class QAction;
+class QActionGroup;
 class QLabel;
 class QMenu;
 
@@ -55,6 +56,7 @@ public:
     /// message bar. False when it cannot be read, there is none, or unsaved changes are kept.
     bool reload();
     bool save();
+    /// Includes that the file finds no longer, or elsewhere, at its new place show in the message bar.
     bool saveAs();
     /// What the last openFile() or reload() had to say.
     const QVector<NetMessage>& messages() const { return m_Messages; }
@@ -86,6 +88,9 @@ public Q_SLOTS:
     void enterSelected();
     void leave();
     void showKeys();
+    void showPreferences();
+    /// Asks for the size of the grid's cells.
+    void chooseGridSize();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -101,9 +106,12 @@ private:
     void buildEditMenu();
     void buildSelectMenu();
     void buildViewMenu();
+    void buildGridActions(QMenu* menu);
+    void buildGridSizeMenu(QMenu* menu);
+    void buildNavigationMenu(QMenu* menu);
+    QAction* addSwitch(QMenu* menu, const QString& text, const QKeySequence& key, bool isOn);
     void buildNodeMenu();
     void buildGoMenu();
-    void buildPreferencesMenu();
     void buildHelpMenu();
     template <typename Receiver, typename Slot>
     QAction* addAction(QMenu* menu, const QString& text, const QList<QKeySequence>& keys,
@@ -115,6 +123,8 @@ private:
     void followScope();
     void followSave(const QString& path);
     void followHeldKeys();
+    QStringList hints() const;
+    void showHints();
     QString scopeTitle(int scope) const;
     void showTitle();
     void showFacts();
@@ -132,7 +142,7 @@ private:
     EditorSaving* m_Saving = nullptr;
     EditorSettings m_Settings;
     QPointer<EditorScene> m_DotScene; ///< shows the markers for dots, as long as the key is held
-    QString m_Hint; ///< what the held keys do
+    QString m_Hint; ///< what the held keys do, or would do now
     QLabel* m_Facts = nullptr;
     QLabel* m_Scale = nullptr;
     QAction* m_Save = nullptr;
@@ -140,4 +150,6 @@ private:
     QAction* m_Reload = nullptr;
     QAction* m_Leave = nullptr;
     QAction* m_Shake = nullptr;
+    QAction* m_Minimap = nullptr;
+    QActionGroup* m_Schemes = nullptr; ///< each action's data is the scheme's name
 };

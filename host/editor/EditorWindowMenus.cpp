@@ -7,6 +7,7 @@
 #include <OrvCoreModules/OrvShaderNetworkManager.h>
 
 #include <QAction>
+#include <QActionGroup>
 #include <QDir>
 #include <QFileInfo>
 #include <QMenu>
@@ -61,7 +62,6 @@ void EditorWindow::buildMenus()
     buildViewMenu();
     buildNodeMenu();
     buildGoMenu();
-    buildPreferencesMenu();
     buildHelpMenu();
 }
 
@@ -114,6 +114,14 @@ void EditorWindow::buildEditMenu()
     QAction* pickUp = addAction(menu, tr("&Pick Up or Drop Edge"), {QKeySequence(Qt::Key_P)},
         m_View, [this] { m_View->pickUpEdge(); });
     pickUp->setAutoRepeat(false);
+    menu->addSeparator();
+    m_Shake = addSwitch(menu, tr("&Shake a Node to Extract It"), {}, true);
+    connect(m_Shake, &QAction::toggled, this, [this](bool on) {
+        m_View->setShakeDetectionEnabled(on);
+        m_Settings.setShakeOn(on);
+    });
+    addAction(
+        menu, tr("Pre&ferences…"), {ctrl(Qt::Key_Comma)}, this, &EditorWindow::showPreferences);
 }
 
 void EditorWindow::buildSelectMenu()
@@ -138,19 +146,85 @@ void EditorWindow::buildViewMenu()
     addAction(menu, tr("Zoom &Out"), {ctrl(Qt::Key_Minus)}, this, [this] { m_View->zoomOut(); });
     addAction(menu, tr("A&ctual Size"), {ctrl(Qt::Key_0)}, this, &EditorWindow::zoomToActualSize);
     menu->addSeparator();
+    buildGridActions(menu);
+    menu->addSeparator();
+    m_Minimap = addSwitch(menu, tr("&Minimap"), QKeySequence(Qt::Key_M), true);
+    connect(m_Minimap, &QAction::toggled, this, [this](bool on) {
+        m_View->setMinimapVisible(on);
+        m_Settings.setMinimapOn(on);
+    });
+    buildNavigationMenu(menu);
+}
 
+QAction* EditorWindow::addSwitch(
+    QMenu* menu, const QString& text, const QKeySequence& key, bool isOn)
+{
+    QAction* action = menu->addAction(text);
+    action->setShortcut(key);
+    action->setCheckable(true);
+    action->setChecked(isOn);
+    return action;
+}
+
+void EditorWindow::buildGridActions(QMenu* menu)
+{
     OrvShaderNetworkManager* grid = OrvShaderNetworkManager::instance();
-    QAction* show = addAction(menu, tr("&Grid"), {QKeySequence(Qt::Key_G)}, grid,
-        [grid](bool shown) { grid->setShowGrid(shown); });
-    show->setCheckable(true);
-    show->setChecked(grid->showGrid());
+    QAction* show = addSwitch(menu, tr("&Grid"), QKeySequence(Qt::Key_G), grid->showGrid());
+    connect(show, &QAction::toggled, grid, &OrvShaderNetworkManager::setShowGrid);
     connect(grid, &OrvShaderNetworkManager::showGridChanged, show, &QAction::setChecked);
-    QAction* snap = addAction(menu, tr("Sna&p to Grid"),
-        {QKeySequence(static_cast<int>(Qt::SHIFT) | static_cast<int>(Qt::Key_G))}, grid,
-        [grid](bool snaps) { grid->setSnapToGrid(snaps); });
-    snap->setCheckable(true);
-    snap->setChecked(grid->snapToGrid());
+    const QKeySequence snapKey(static_cast<int>(Qt::SHIFT) | static_cast<int>(Qt::Key_G));
+    QAction* snap = addSwitch(menu, tr("Sna&p to Grid"), snapKey, grid->snapToGrid());
+    connect(snap, &QAction::toggled, grid, &OrvShaderNetworkManager::setSnapToGrid);
     connect(grid, &OrvShaderNetworkManager::snapToGridChanged, snap, &QAction::setChecked);
+    buildGridSizeMenu(menu->addMenu(tr("Grid Si&ze")));
+}
+
+/// The checks follow the grid when the menu opens: the size has other writers.
+void EditorWindow::buildGridSizeMenu(QMenu* menu)
+{
+    OrvShaderNetworkManager* grid = OrvShaderNetworkManager::instance();
+    auto* sizes = new QActionGroup(menu);
+    for (const int size : {10, 20, 40, 80}) {
+        QAction* action = addAction(menu, QString::number(size), {}, grid, [grid, size] {
+            grid->setGridWidth(size);
+            grid->setGridHeight(size);
+        });
+        action->setData(size);
+        action->setCheckable(true);
+        sizes->addAction(action);
+    }
+    QAction* custom = addAction(menu, tr("&Custom…"), {}, this, &EditorWindow::chooseGridSize);
+    custom->setCheckable(true);
+    sizes->addAction(custom);
+    connect(menu, &QMenu::aboutToShow, sizes, [grid, sizes, custom] {
+        custom->setChecked(true);
+        const QList<QAction*> actions = sizes->actions();
+        for (QAction* action : actions) {
+            const int size = action->data().toInt();
+            if (size == grid->gridWidth() && size == grid->gridHeight())
+                action->setChecked(true);
+        }
+        custom->setText(custom->isChecked()
+                ? tr("&Custom… (%1 × %2)").arg(grid->gridWidth()).arg(grid->gridHeight())
+                : tr("&Custom…"));
+    });
+}
+
+void EditorWindow::buildNavigationMenu(QMenu* menu)
+{
+    QMenu* schemes = menu->addMenu(tr("&Navigation"));
+    m_Schemes = new QActionGroup(schemes);
+    for (const QString& scheme : {QStringLiteral("Quill"), QStringLiteral("Harbor")}) {
+        QAction* action = addSwitch(schemes, scheme, {}, scheme == m_View->navigationScheme());
+        action->setData(scheme);
+        m_Schemes->addAction(action);
+        connect(action, &QAction::toggled, this, [this, scheme](bool on) {
+            if (!on)
+                return;
+            m_View->setNavigationScheme(scheme);
+            m_Settings.setNavigationScheme(scheme);
+        });
+    }
 }
 
 void EditorWindow::buildNodeMenu()
@@ -188,18 +262,6 @@ void EditorWindow::buildGoMenu()
         {QKeySequence(Qt::Key_U), QKeySequence(Qt::Key_Backspace)}, this, &EditorWindow::leave);
 }
 
-void EditorWindow::buildPreferencesMenu()
-{
-    QMenu* menu = menuBar()->addMenu(tr("&Preferences"));
-    m_Shake = menu->addAction(tr("&Shake a Node to Extract It"));
-    m_Shake->setCheckable(true);
-    m_Shake->setChecked(m_View->isShakeDetectionEnabled());
-    connect(m_Shake, &QAction::toggled, this, [this](bool on) {
-        m_View->setShakeDetectionEnabled(on);
-        m_Settings.setShakeOn(on);
-    });
-}
-
 void EditorWindow::buildHelpMenu()
 {
     QMenu* menu = menuBar()->addMenu(tr("&Help"));
@@ -209,5 +271,5 @@ void EditorWindow::buildHelpMenu()
 
 void EditorWindow::showKeys()
 {
-    EditorKeysDialog(menuBar(), this).exec();
+    EditorKeysDialog(menuBar(), m_View->navigationScheme(), this).exec();
 }

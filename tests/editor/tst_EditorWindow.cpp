@@ -1,6 +1,7 @@
 #include "editor/EditorCommand.h"
 #include "editor/EditorMessageBar.h"
 #include "editor/EditorNavigator.h"
+#include "editor/EditorPreferencesDialog.h"
 #include "editor/EditorQuestions.h"
 #include "editor/EditorTesting.h"
 #include "editor/EditorView.h"
@@ -76,7 +77,9 @@ public:
     QString pathToOpen(const QString&) override { return {}; }
     QString pathToSave(const QString&) override { return m_SavePath; }
     void tellFailure(const QString&, const QString& why) override { m_Failures.append(why); }
+    int gridSize(int) override { return m_GridSize; }
 
+    int m_GridSize = 0;
     Answer m_Unsaved = Answer::Cancel;
     bool m_Overwrites = false;
     QString m_SavePath;
@@ -124,6 +127,9 @@ private Q_SLOTS:
     void cutKey_cutsTheEdgeUnderTheDrag();
     void dotKey_marksTheSceneOnShowOnly();
     void settings_keepRecentFilesAndPreferences();
+    void settings_keepGridMinimapAndNavigation();
+    void preferences_openOnce();
+    void saveAs_saysWhichIncludesAreLost();
 
 private:
     QString write(const char* name, const QByteArray& text)
@@ -159,6 +165,15 @@ private:
         const QList<QAction*> actions = m_Window->findChildren<QAction*>();
         for (QAction* action : actions) {
             if (action->shortcuts().contains(key))
+                return action;
+        }
+        return nullptr;
+    }
+    static QAction* actionNamed(const EditorWindow& window, const char* text)
+    {
+        const QList<QAction*> actions = window.findChildren<QAction*>();
+        for (QAction* action : actions) {
+            if (action->text().remove(QLatin1Char('&')) == QString::fromUtf8(text))
                 return action;
         }
         return nullptr;
@@ -551,13 +566,8 @@ void tst_EditorWindow::settings_keepRecentFilesAndPreferences()
     }
     QVERIFY(m_Window->openFile(files.at(3)));
     files.move(3, 0);
-    QAction* shake = nullptr;
-    for (QAction* action : m_Window->findChildren<QAction*>()) {
-        if (action->text().contains(QLatin1String("Shake")))
-            shake = action;
-    }
     QVERIFY(m_Window->view()->isShakeDetectionEnabled());
-    shake->trigger();
+    actionNamed(*m_Window, "Shake a Node to Extract It")->trigger();
     m_Window->resize(777, 555);
     QVERIFY(m_Window->close());
 
@@ -567,6 +577,88 @@ void tst_EditorWindow::settings_keepRecentFilesAndPreferences()
     QVERIFY(!next.view()->isShakeDetectionEnabled());
     QVERIFY(next.restorePlace());
     QCOMPARE(next.size(), QSize(777, 555));
+}
+
+void tst_EditorWindow::settings_keepGridMinimapAndNavigation()
+{
+    const QString path = m_Folder.filePath(QStringLiteral("view.ini"));
+    const auto settings
+        = [&] { return EditorSettings(std::make_unique<QSettings>(path, QSettings::IniFormat)); };
+    auto* grid = OrvShaderNetworkManager::instance();
+    const auto setGrid = [grid](int size, bool snaps) {
+        grid->setGridWidth(size);
+        grid->setGridHeight(size);
+        grid->setSnapToGrid(snaps);
+    };
+    m_Window->useSettings(settings());
+    actionNamed(*m_Window, "40")->trigger();
+    QCOMPARE(QSize(grid->gridWidth(), grid->gridHeight()), QSize(40, 40));
+    actionNamed(*m_Window, "Custom…")->trigger(); // no answer
+    QCOMPARE(grid->gridWidth(), 40);
+    m_Answers->m_GridSize = 33;
+    actionNamed(*m_Window, "Custom…")->trigger();
+    QTest::keyClick(m_Window.get(), Qt::Key_G, Qt::ShiftModifier);
+    actionNamed(*m_Window, "Harbor")->trigger();
+    const auto lookPastTheNodes = [](EditorWindow* window) {
+        window->view()->lookAt({4000, 0}, 1);
+        QTest::qWait(100); // the view learns where the nodes are
+        return window->view()->shouldDisplayMinimap();
+    };
+    QVERIFY(lookPastTheNodes(m_Window.get()));
+    QTest::keyClick(m_Window.get(), Qt::Key_M);
+    QVERIFY(m_Window->close());
+
+    setGrid(20, false);
+    EditorWindow next;
+    next.useSettings(settings());
+    const QSize restored(grid->gridWidth(), grid->gridHeight());
+    const bool snaps = grid->snapToGrid();
+    setGrid(20, false); // for the tests that follow
+    QCOMPARE(restored, QSize(33, 33));
+    QVERIFY(snaps);
+    QCOMPARE(next.view()->navigationScheme(), QStringLiteral("Harbor"));
+    QVERIFY(actionNamed(next, "Harbor")->isChecked() && !actionNamed(next, "Quill")->isChecked());
+    next.resize(1000, 700);
+    next.show();
+    QVERIFY(next.openFile(m_Graphs));
+    QVERIFY(!lookPastTheNodes(&next));
+}
+
+void tst_EditorWindow::preferences_openOnce()
+{
+    const auto dialogs = [&] { return m_Window->findChildren<EditorPreferencesDialog*>(); };
+    const QKeySequence key(int(Qt::CTRL) | int(Qt::Key_Comma));
+    actionFor(key)->trigger();
+    actionFor(key)->trigger();
+    QCOMPARE(dialogs().size(), 1);
+    QVERIFY(dialogs().constFirst()->isVisible() && !dialogs().constFirst()->isModal());
+    dialogs().constFirst()->reject();
+    flush();
+    QCOMPARE(dialogs().size(), 0);
+}
+
+void tst_EditorWindow::saveAs_saysWhichIncludesAreLost()
+{
+    write("part.mtlx", "<materialx/>");
+    const QByteArray part = m_Folder.filePath(QStringLiteral("part.mtlx")).toUtf8();
+    const QString file = write("whole.mtlx",
+        "<materialx>\n<xi:include href='part.mtlx'/>\n<xi:include href='gone.mtlx'/>\n"
+        "<xi:include href='"
+            + part + "'/>\n</materialx>");
+    QVERIFY(m_Window->openFile(file));
+    auto* bar = m_Window->findChild<EditorMessageBar*>();
+    bar->setMessages(QString(), {});
+    QVERIFY(QDir(m_Folder.path()).mkdir(QStringLiteral("away")));
+
+    m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("beside.mtlx"));
+    QVERIFY(m_Window->saveAs());
+    QVERIFY2(!bar->isVisible(), qPrintable(bar->headline()));
+    m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("away/whole.mtlx"));
+    QVERIFY(m_Window->saveAs());
+    QVERIFY(bar->isVisible());
+    QVERIFY2(
+        bar->details().contains(QStringLiteral("away/whole.mtlx:2: ")), qPrintable(bar->details()));
+    QCOMPARE(bar->details().count(QLatin1Char('\n')), 0); // one was lost before, one is absolute
 }
 
 QTEST_MAIN(tst_EditorWindow)
