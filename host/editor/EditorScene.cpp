@@ -7,6 +7,7 @@
 
 #include <QGraphicsSceneHelpEvent>
 #include <QGraphicsSceneMouseEvent>
+#include <QPointer>
 #include <QToolTip>
 
 #include <OrvNodeGraph/OrvNgEdge.h>
@@ -465,8 +466,9 @@ OrvNgEdge* EditorScene::carriedEdge() const
 bool EditorScene::event(QEvent* event)
 {
     // Whatever started or ended the carrying of an edge, an event of the scene follows it.
+    const QPointer<EditorScene> self(this); // the event may be its own deletion
     const bool isHandled = QGraphicsScene::event(event);
-    if (!m_IsClosing)
+    if (self && !m_IsClosing)
         m_Guide->follow(carriedEdge());
     return isHandled;
 }
