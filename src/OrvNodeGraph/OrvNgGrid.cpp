@@ -5,6 +5,7 @@
 #include <QPaintEngine>
 #include <QStyleOptionGraphicsItem>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -17,7 +18,10 @@ constexpr int kDenseTile = 16; // device pixels
 constexpr double kFarthestPixel = 32767.0; // from the device's origin; beyond, Qt's images end
 constexpr int kStripBreadth = 16; // Qt misplaces thick horizontal lines in a narrower image
 constexpr double kMostLines = 4e6; // more than any screen shows
-constexpr int kManyBands = 64; // from here on one picture is faster
+constexpr int kPhases = 64; // Qt places a thin line to this part of a device pixel
+constexpr int kStampPitch = 5; // device pixels: the three a thin line can touch, and a gap
+constexpr int kRowsReserve = 64;
+constexpr int kSlabBytes = 128 * 1024; // stays in the processor's cache while it is painted
 
 /// The parallel lines of one direction that cross a range of scene coordinates.
 class GridLines
@@ -59,6 +63,22 @@ void drawLineByLine(
     painter->drawLines(lines);
 }
 
+/// Premultiplied colours, with the rounding of Qt's raster engine.
+QRgb blended(QRgb top, QRgb under)
+{
+    const uint rest = 255u - uint(qAlpha(top));
+    const auto scaled = [rest](uint pair) {
+        const uint product = (pair & 0xff00ffu) * rest;
+        return ((product + ((product >> 8) & 0xff00ffu) + 0x800080u) >> 8) & 0xff00ffu;
+    };
+    return top + (scaled(under) | scaled(under >> 8) << 8);
+}
+
+QRgb* pixelRow(QImage& image, int y)
+{
+    return reinterpret_cast<QRgb*>(image.scanLine(y));
+}
+
 /// Whether all pixel rows across the vertical lines are alike, and all columns across the
 /// horizontal ones, so that one of each tells the whole grid.
 bool isUniform(const QPainter* painter, const QRectF& rect)
@@ -73,45 +93,125 @@ bool isUniform(const QPainter* painter, const QRectF& rect)
         && painter->pen().brush().style() == Qt::SolidPattern;
 }
 
-/// One row of pixels across the vertical lines, or one column across the horizontal ones, taken
-/// from the middle of an area of device pixels. Where many lines fall into one pixel it is only the
-/// first part, to be repeated.
-QImage gridStrip(const QPainter* painter, const QRectF& rect, const QRect& pixels,
-    Qt::Orientation orientation, const GridLines& lines)
+/// Draws the strips of pixels across the lines of one direction. Each is an image of one row, also
+/// across horizontal lines, where it runs downwards.
+class GridStrip
 {
-    const bool isRow = orientation == Qt::Vertical;
-    const QTransform device = painter->deviceTransform();
-    const double scale = isRow ? device.m11() : device.m22();
-    int length = isRow ? pixels.width() : pixels.height();
-    if (lines.step() * scale < kDenseSpacing)
-        length = qMin(length, kDenseTile);
+public:
+    /// pixels is the scene rectangle in device pixels, and the strip is taken from its middle.
+    GridStrip(const QPainter* painter, const QRectF& rect, const QRect& pixels,
+        Qt::Orientation orientation);
 
-    const double begin = isRow ? rect.left() : rect.top();
-    const double end = begin + length / scale + painter->pen().widthF();
-    QVector<QLineF> drawn;
+    /// Where many lines fall into one pixel it is only the first part, to be repeated.
+    QImage draw(const GridLines& lines) const;
+
+private:
+    QImage drawOneByOne(const QVector<double>& lines, int length) const;
+    QImage stamp(const QVector<double>& lines, int length) const;
+    bool hasThinLines() const;
+
+    const QPainter* m_Painter;
+    QRectF m_Rect;
+    bool m_IsRow; ///< across vertical lines
+    int m_Length; ///< device pixels
+    QTransform m_ToStrip; ///< from scene coordinates to device pixels of the strip
+    double m_Scale; ///< along the strip
+    double m_Offset;
+};
+
+GridStrip::GridStrip(
+    const QPainter* painter, const QRectF& rect, const QRect& pixels, Qt::Orientation orientation)
+    : m_Painter(painter)
+    , m_Rect(rect)
+    , m_IsRow(orientation == Qt::Vertical)
+    , m_Length(m_IsRow ? pixels.width() : pixels.height())
+{
+    const QPoint origin = m_IsRow ? QPoint(pixels.left(), pixels.center().y())
+                                  : QPoint(pixels.center().x(), pixels.top());
+    m_ToStrip = painter->deviceTransform() * QTransform::fromTranslate(-origin.x(), -origin.y());
+    m_Scale = m_IsRow ? m_ToStrip.m11() : m_ToStrip.m22();
+    m_Offset = m_IsRow ? m_ToStrip.dx() : m_ToStrip.dy();
+}
+
+QImage GridStrip::draw(const GridLines& lines) const
+{
+    const int length
+        = lines.step() * m_Scale < kDenseSpacing ? qMin(m_Length, kDenseTile) : m_Length;
+    const double end
+        = (m_IsRow ? m_Rect.left() : m_Rect.top()) + length / m_Scale + m_Painter->pen().widthF();
+    QVector<double> places;
+    places.reserve(int(qMin(lines.count(), kLargestReserve)));
     for (qint64 i = 0; double(i) < lines.count() && lines[i] < end; ++i)
-        drawn.append(gridLine(rect, orientation, lines[i]));
+        places.append(lines[i]);
+    return places.size() > kPhases && hasThinLines() ? stamp(places, length)
+                                                     : drawOneByOne(places, length);
+}
 
-    const QPoint origin = isRow ? QPoint(pixels.left(), pixels.center().y())
-                                : QPoint(pixels.center().x(), pixels.top());
-    QImage strip(
-        isRow ? length : kStripBreadth, isRow ? 1 : length, QImage::Format_ARGB32_Premultiplied);
+QImage GridStrip::drawOneByOne(const QVector<double>& lines, int length) const
+{
+    QVector<QLineF> drawn;
+    drawn.reserve(lines.size());
+    for (double at : lines)
+        drawn.append(gridLine(m_Rect, m_IsRow ? Qt::Vertical : Qt::Horizontal, at));
+    QImage strip(m_IsRow ? length : kStripBreadth, m_IsRow ? 1 : length,
+        QImage::Format_ARGB32_Premultiplied);
     strip.fill(Qt::transparent);
-    QPainter stripPainter(&strip);
-    stripPainter.setRenderHints(painter->renderHints());
-    stripPainter.setPen(painter->pen());
-    stripPainter.setTransform(device * QTransform::fromTranslate(-origin.x(), -origin.y()));
-    stripPainter.drawLines(drawn);
+    QPainter painter(&strip);
+    painter.setRenderHints(m_Painter->renderHints());
+    painter.setPen(m_Painter->pen());
+    painter.setTransform(m_ToStrip);
+    painter.drawLines(drawn);
+    painter.end();
+    if (m_IsRow)
+        return strip;
+    QImage row(length, 1, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < length; ++y)
+        pixelRow(row, 0)[y] = pixelRow(strip, y)[kStripBreadth / 2];
+    return row;
+}
+
+/// A thin line leaves the same pixels wherever it has the same place within its pixel. So one line
+/// is drawn for each such place, and its pixels are blended in for all the others.
+QImage GridStrip::stamp(const QVector<double>& lines, int length) const
+{
+    QVector<double> samples;
+    for (int phase = 0; phase < kPhases; ++phase) {
+        const double at = phase * kStampPitch + 2 + (phase + 0.5) / kPhases;
+        samples.append((at - m_Offset) / m_Scale);
+    }
+    QImage stamps = drawOneByOne(samples, kPhases * kStampPitch);
+    QImage strip(length, 1, QImage::Format_ARGB32_Premultiplied);
+    strip.fill(Qt::transparent);
+    const QRgb* const allTouched = pixelRow(stamps, 0) + 1;
+    QRgb* const pixels = pixelRow(strip, 0);
+    for (double at : lines) {
+        const int place = int((at * m_Scale + m_Offset) * kPhases); // towards 0, as Qt rounds it
+        const int phase = place & (kPhases - 1);
+        const int first = (place - phase) / kPhases - 1;
+        const QRgb* const touched = allTouched + phase * kStampPitch;
+        for (int i = qMax(0, -first); i < 3 && first + i < length; ++i) {
+            if (touched[i] != 0)
+                pixels[first + i] = blended(touched[i], pixels[first + i]);
+        }
+    }
     return strip;
+}
+
+/// At most one device pixel wide, and antialiased: otherwise the place of a line is rounded in
+/// other ways.
+bool GridStrip::hasThinLines() const
+{
+    const QPen pen = m_Painter->pen();
+    const double scale = pen.isCosmetic() ? 1.0 : qMax(m_ToStrip.m11(), m_ToStrip.m22());
+    return pen.widthF() * scale <= 1.0 && m_Painter->testRenderHint(QPainter::Antialiasing);
 }
 
 } // namespace
 
 bool OrvNgGrid::Frame::operator==(const Frame& other) const
 {
-    return m_ToDevice == other.m_ToDevice && qFuzzyCompare(m_PixelRatio, other.m_PixelRatio)
-        && m_Exposed == other.m_Exposed && m_Cell == other.m_Cell && m_Pen == other.m_Pen
-        && m_Background == other.m_Background && m_Hints == other.m_Hints;
+    return m_ToDevice == other.m_ToDevice && m_Exposed == other.m_Exposed && m_Cell == other.m_Cell
+        && m_Pen == other.m_Pen && m_Background == other.m_Background && m_Hints == other.m_Hints;
 }
 
 void OrvNgGrid::paint(QPainter* painter, const QRectF& exposed, const QSize& cell, const QPen& pen,
@@ -139,87 +239,87 @@ void OrvNgGrid::paint(QPainter* painter, const QRectF& exposed, const QSize& cel
         painter->fillRect(exposed, background);
     const QTransform toDevice = painter->deviceTransform();
     const QRect pixels = toDevice.mapRect(exposed).toAlignedRect();
-    const Frame frame{toDevice, toDevice.m11() / painter->worldTransform().m11(), exposed, spacing,
-        pen, isOpaque ? background.color() : QColor(), painter->renderHints()};
+    if (pixels.isEmpty())
+        return;
+    const Frame frame{toDevice, exposed, spacing, pen, isOpaque ? background.color() : QColor(),
+        painter->renderHints()};
     if (!(frame == m_Kept)) {
         m_Kept = frame;
-        makeRow(gridStrip(painter, exposed, pixels, Qt::Vertical, columns), pixels.width());
-        makeBands(gridStrip(painter, exposed, pixels, Qt::Horizontal, rows), pixels.height());
-        makePicture(pixels.size());
+        makeRows(GridStrip(painter, exposed, pixels, Qt::Vertical).draw(columns),
+            GridStrip(painter, exposed, pixels, Qt::Horizontal).draw(rows), pixels.size());
     }
     paintKept(painter, pixels);
 }
 
-void OrvNgGrid::makeRow(const QImage& strip, int width)
+/// The first row is the one that no horizontal line touches.
+void OrvNgGrid::makeRows(const QImage& across, const QImage& down, const QSize& pixels)
 {
-    // In full, because a narrow tile is slow to repeat.
-    const bool isOpaque = m_Kept.m_Background.isValid();
-    QImage row(width, 1, isOpaque ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
-    row.fill(isOpaque ? m_Kept.m_Background : QColor(Qt::transparent));
-    QPainter(&row).fillRect(row.rect(), QBrush(strip));
-    m_Row = QPixmap::fromImage(row);
-    m_Row.setDevicePixelRatio(m_Kept.m_PixelRatio);
-}
-
-void OrvNgGrid::makeBands(const QImage& strip, int height)
-{
-    m_Bands.clear();
-    const auto colorAt = [&](int y) { return strip.pixel(strip.width() / 2, y % strip.height()); };
-    for (int y = 0, next = 0; y < height; y = next) {
-        const QRgb color = colorAt(y);
-        for (next = y + 1; next < height && colorAt(next) == color;)
-            ++next;
-        if (qAlpha(color) > 0)
-            m_Bands.append({y, next - y, QColor::fromRgba(qUnpremultiply(color))});
+    const QVector<QRgb> colors = assignRows(down, pixels.height());
+    reserveRows(QSize(pixels.width(), colors.size()));
+    QPainter painter(&m_Rows);
+    const QRect first(0, 0, pixels.width(), 1);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(
+        first, m_Kept.m_Background.isValid() ? m_Kept.m_Background : QColor(Qt::transparent));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.fillRect(first, QBrush(across));
+    for (int i = 1; i < colors.size(); ++i) {
+        std::memcpy(m_Rows.scanLine(i), m_Rows.constScanLine(0), size_t(m_Rows.bytesPerLine()));
+        painter.fillRect(first.translated(0, i), QColor::fromRgba(qUnpremultiply(colors[i])));
     }
 }
 
-/// Pixel rows of one colour are blended once and then copied, into memory that is kept.
-void OrvNgGrid::makePicture(const QSize& pixels)
+/// Returns the premultiplied colours of the different rows, and notes where each is.
+QVector<QRgb> OrvNgGrid::assignRows(const QImage& down, int height)
 {
-    m_HasPicture = m_Bands.size() >= kManyBands && m_Kept.m_Background.isValid();
-    if (!m_HasPicture)
-        return;
-    const QImage row = m_Row.toImage().convertToFormat(QImage::Format_RGB32);
-    if (m_Picture.size() != pixels)
-        m_Picture = QImage(pixels, QImage::Format_RGB32);
-    const auto copyRow = [&](const uchar* from, int y) {
-        std::memcpy(m_Picture.scanLine(y), from, size_t(pixels.width()) * sizeof(QRgb));
-    };
-    QHash<QRgb, QImage> blendedRows;
-    int y = 0;
-    for (const Band& band : qAsConst(m_Bands)) {
-        for (; y < band.m_Top; ++y)
-            copyRow(row.constBits(), y);
-        QImage& blended = blendedRows[band.m_Color.rgba()];
-        if (blended.isNull()) {
-            blended = row;
-            QPainter(&blended).fillRect(blended.rect(), band.m_Color);
+    const QRgb* const strip = reinterpret_cast<const QRgb*>(down.constScanLine(0));
+    QVector<QRgb> colors{0};
+    QHash<QRgb, int> rowOf{{0, 0}};
+    m_RowAt.resize(height);
+    for (int y = 0; y < height; ++y) {
+        const QRgb color = strip[y % down.width()];
+        auto row = rowOf.constFind(color);
+        if (row == rowOf.constEnd()) {
+            row = rowOf.insert(color, colors.size());
+            colors.append(color);
         }
-        for (; y < band.m_Top + band.m_Height; ++y)
-            copyRow(blended.constBits(), y);
+        m_RowAt[y] = *row;
     }
-    for (; y < pixels.height(); ++y)
-        copyRow(row.constBits(), y);
-    m_Picture.setDevicePixelRatio(m_Kept.m_PixelRatio);
+    return colors;
+}
+
+/// Keeps the memory, because fresh memory is slow.
+void OrvNgGrid::reserveRows(const QSize& pixels)
+{
+    const QImage::Format format = m_Kept.m_Background.isValid()
+        ? QImage::Format_RGB32
+        : QImage::Format_ARGB32_Premultiplied;
+    if (m_Rows.format() == format && m_Rows.width() == pixels.width()
+        && m_Rows.height() >= pixels.height())
+        return;
+    m_Rows = QImage(pixels + QSize(0, kRowsReserve), format);
+    const int height = qMax(1, kSlabBytes / m_Rows.bytesPerLine());
+    m_Slab = QImage(pixels.width(), height, format);
 }
 
 /// pixels is the exposed area in device pixels.
-void OrvNgGrid::paintKept(QPainter* painter, const QRect& pixels) const
+void OrvNgGrid::paintKept(QPainter* painter, const QRect& pixels)
 {
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
     painter->setWorldTransform(QTransform());
-    const QTransform fromPixels = painter->deviceTransform().inverted();
-    if (!m_HasPicture) {
-        painter->drawTiledPixmap(fromPixels.mapRect(QRectF(pixels)), m_Row);
-        for (const Band& band : m_Bands) {
-            const QRectF area(
-                pixels.left(), pixels.top() + band.m_Top, pixels.width(), band.m_Height);
-            painter->fillRect(fromPixels.mapRect(area), band.m_Color);
+    painter->setWorldTransform(painter->deviceTransform().inverted()); // to device pixels
+    const int step = m_Slab.height();
+    for (int top = 0; top < pixels.height(); top += step) {
+        const int height = qMin(step, pixels.height() - top);
+        const int* const rows = m_RowAt.constData() + top;
+        if (top == 0 || !std::equal(rows, rows + height, rows - step)) {
+            for (int y = 0; y < height; ++y)
+                std::memcpy(m_Slab.scanLine(y), m_Rows.constScanLine(rows[y]),
+                    size_t(m_Slab.bytesPerLine()));
         }
-    } else {
-        painter->drawImage(fromPixels.map(QPointF(pixels.topLeft())), m_Picture);
+        painter->drawImage(
+            pixels.topLeft() + QPoint(0, top), m_Slab, QRect(0, 0, pixels.width(), height));
     }
     painter->restore();
 }

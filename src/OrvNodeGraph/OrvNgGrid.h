@@ -5,7 +5,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QPen>
-#include <QPixmap>
 #include <QRectF>
 #include <QSize>
 #include <QTransform>
@@ -14,12 +13,12 @@
 /// Internal. Paints a scene background and the grid over it: lines through every multiple of the
 /// cell's width and height.
 ///
-/// On an image, drawn lines are alike in all pixel rows, and in all pixel columns. So the grid is
-/// painted by one row of its vertical lines, repeated downwards, and by bands for its horizontal
-/// ones. The pixels are those of drawing line by line, in a fraction of its time. Over an opaque
-/// colour the row holds the background too, and where the bands are many the whole frame is one
-/// picture. All is kept for the next frame and made anew only when something it depends on has
-/// changed.
+/// On an image, drawn lines are alike in all pixel rows, and in all pixel columns. So one strip of
+/// pixels across the vertical lines and one across the horizontal ones tell the whole grid, and few
+/// of the frame's rows differ. Each of those is blended once, over the background where that is an
+/// opaque colour, and then copied. The pixels are those of drawing line by line, in a fraction of
+/// its time. The rows are kept for the next frame and made anew when something they depend on has
+/// changed, as it has in every frame of a pan.
 ///
 /// Called by  OrvNgView.
 /// Uses       nothing: values in, pixels out.
@@ -34,36 +33,26 @@ public:
         const QBrush& background);
 
 private:
-    /// All that row and bands depend on.
+    /// All that the rows depend on.
     struct Frame
     {
         QTransform m_ToDevice; ///< from scene coordinates: scale and phase
-        double m_PixelRatio = 1.0;
         QRectF m_Exposed;
         QSize m_Cell; ///< invalid: nothing is kept
         QPen m_Pen;
-        QColor m_Background; ///< opaque, or invalid: the row does not hold the background
+        QColor m_Background; ///< opaque, or invalid: the rows do not hold the background
         QPainter::RenderHints m_Hints;
 
         bool operator==(const Frame& other) const;
     };
 
-    /// Pixel rows of one colour, across the whole exposed area.
-    struct Band
-    {
-        int m_Top; ///< device pixels below the exposed area's top
-        int m_Height;
-        QColor m_Color;
-    };
-
-    void makeRow(const QImage& strip, int width); // device pixels
-    void makeBands(const QImage& strip, int height);
-    void makePicture(const QSize& pixels);
-    void paintKept(QPainter* painter, const QRect& pixels) const;
+    void makeRows(const QImage& across, const QImage& down, const QSize& pixels);
+    QVector<QRgb> assignRows(const QImage& down, int height);
+    void reserveRows(const QSize& pixels);
+    void paintKept(QPainter* painter, const QRect& pixels);
 
     Frame m_Kept;
-    QPixmap m_Row;
-    QVector<Band> m_Bands;
-    QImage m_Picture; ///< row and bands of the whole frame
-    bool m_HasPicture = false; ///< false where the bands are few
+    QImage m_Rows; ///< the different rows of pixels, each once; may be higher than they need
+    QVector<int> m_RowAt; ///< by device pixels below the exposed area's top: which of m_Rows
+    QImage m_Slab; ///< some rows of the frame, in the order they are painted
 };

@@ -371,6 +371,9 @@ private Q_SLOTS:
         row("pixel ratio", 0.3, 333.37, true, 1.25, 20, white);
         row("spacing", 0.3, 333.37, true, 1.0, 7, white);
         row("translucent", 0.3, 333.37, true, 1.0, 20, QColor(255, 0, 0, 100));
+        row("lines at every place in a pixel", 0.3173, 333.37, true, 1.0, 20, white);
+        row("panned by whole pixels", 0.3, 326.37, true, 1.0, 20, white);
+        row("panned by fractions far out", 0.07, 326.11, true, 1.0, 20, white);
     }
 
     void grid_equalsLinesDrawnOneByOne()
