@@ -45,17 +45,6 @@ QRectF markerRect()
     return QRectF(int(-width / 2.0F), int(-height / 2.0F), int(width), int(height));
 }
 
-// A view without a minimap never renders one.
-template <typename View>
-auto rendersMinimap(const View& view, int) -> decltype(view.isMinimapRendering())
-{
-    return view.isMinimapRendering();
-}
-template <typename View> bool rendersMinimap(const View&, long)
-{
-    return false;
-}
-
 double levelOfDetail(const QPainter& painter)
 {
     return QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter.worldTransform());
@@ -483,8 +472,11 @@ void OrvNgBackdropNode::setSelectedBrush(bool selected)
     m_TitleBar->setBrush(bar);
     m_TitleText->setBrush(onBar);
     m_LabelText->setDefaultTextColor(onBody);
-    if (!m_HasOwnColour)
+    if (!m_HasOwnColour) {
+        for (OrvNgResizeTriangleItem* handle : m_Handles)
+            handle->setFillColor(style.getBackdropNodeResizeHoverAreaBrush().color());
         return;
+    }
     // The handles stand on bar and body in their texts' colours, only fainter.
     onBar.setAlpha(kHandleAlpha);
     onBody.setAlpha(kHandleAlpha);
@@ -538,7 +530,7 @@ bool OrvNgBackdropNode::isMinimapRendering()
 {
     const QList<QGraphicsView*> views = scene() ? scene()->views() : QList<QGraphicsView*>();
     const auto* view = views.isEmpty() ? nullptr : qobject_cast<OrvNgView*>(views.constFirst());
-    return view && rendersMinimap(*view, 0);
+    return view && view->isMinimapRendering();
 }
 
 void OrvNgBackdropNode::drawShape(QPainter* painter)

@@ -2,9 +2,9 @@
 
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgNode.h"
+#include "OrvNodeGraph/OrvNgSceneNodes.h"
 
 #include <QGraphicsPathItem>
-#include <QGraphicsScene>
 
 namespace OrvNgNodeInsertion {
 
@@ -21,20 +21,26 @@ OrvNgEdge* edgeUnder(const QGraphicsItem& probe, OrvNgNode& node)
     return nullptr;
 }
 
+// Asking the scene for what lies under the node would find every port and text of it, at every move.
 OrvNgNode* backdropAround(const OrvNgNode& node)
 {
-    if (!node.scene())
-        return nullptr;
     const QRectF bounds = node.sceneBoundingRect();
-    const QList<QGraphicsItem*> items
-        = node.scene()->items(bounds, Qt::IntersectsItemBoundingRect, Qt::DescendingOrder);
-    for (QGraphicsItem* item : items) {
-        auto* other = dynamic_cast<OrvNgNode*>(item);
-        if (other && other != &node && other->isBackdrop()
-            && other->sceneBoundingRect().contains(bounds))
-            return other;
+    const auto isAbove = [](const OrvNgNode& a, const OrvNgNode& b) {
+        const QSizeF sizeA = a.boundingRect().size(); // of the same level the inner one
+        const QSizeF sizeB = b.boundingRect().size();
+        return a.zValue() != b.zValue()
+            ? a.zValue() > b.zValue()
+            : sizeA.width() * sizeA.height() < sizeB.width() * sizeB.height();
+    };
+    OrvNgNode* topmost = nullptr;
+    const QSet<OrvNgNode*> nodes = OrvNgSceneNodes::nodes(node.scene());
+    for (OrvNgNode* other : nodes) {
+        if (other->isBackdrop() && other != &node && other->isVisible()
+            && other->sceneBoundingRect().contains(bounds)
+            && (!topmost || isAbove(*other, *topmost)))
+            topmost = other;
     }
-    return nullptr;
+    return topmost;
 }
 
 } // namespace OrvNgNodeInsertion

@@ -118,6 +118,7 @@ void OrvNgUINode::paintBox(const QBrush& brush)
 
 void OrvNgUINode::setCorrectColor()
 {
+    m_Shape->setPen(QPen(OrvNgStyle::instance().getNodeOutlineBrush().color(), 1.0));
     setSelectedBrush(isSelected());
 }
 

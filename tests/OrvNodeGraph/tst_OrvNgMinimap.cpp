@@ -1,3 +1,4 @@
+#include "OrvNodeGraph/OrvNgBackdropNode.h"
 #include "OrvNodeGraph/OrvNgMinimap.h"
 #include "support/TestTable.h"
 #include "support/ViewStage.h"
@@ -205,6 +206,27 @@ private Q_SLOTS:
         QCOMPARE(rendersOf(100), 1);
         QVERIFY(node->m_InView > 50);
         QVERIFY(!node->m_HasWidgetInMinimap);
+    }
+
+    void textsOfBackdrops_stayOut()
+    {
+        FarStage stage(QPointF(-3000, -2000));
+        auto* backdrop = new OrvNgBackdropNode(nullptr);
+        stage.m_Scene.addItem(backdrop);
+        backdrop->setPos(-2500, -1500);
+        backdrop->resizeNode({4000, 3000});
+        backdrop->setTitleText({});
+        backdrop->setLabel({});
+        stage.settle();
+        const auto map = [&stage] { return stage.picture().copy(stage.m_View.minimapRect()); };
+        const QImage bare = map();
+        backdrop->setTitleText(q("A title that grows far out"));
+        backdrop->setLabel(QString(9000, QLatin1Char('M')));
+        stage.settle();
+        QCOMPARE(map(), bare);
+        backdrop->setNodeBackgroundColour(Qt::red); // it is there
+        stage.settle();
+        QVERIFY(map() != bare);
     }
 
     /// An edge between two device pixels of a single logical one stays sharp.
