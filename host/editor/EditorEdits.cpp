@@ -1,5 +1,6 @@
 #include "editor/EditorEdits.h"
 
+#include "editor/EditorBackdrops.h"
 #include "editor/EditorCommand.h"
 #include "editor/EditorScene.h"
 
@@ -8,12 +9,15 @@
 #include <QCoreApplication>
 #include <QPointer>
 
+#include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgNode.h>
 #include <OrvNodeGraph/OrvNgStyle.h>
 
 namespace {
+
+const QSizeF kNoteSize(220, 80); // scene units
 
 QString tr(const char* text)
 {
@@ -102,17 +106,10 @@ void EditorEdits::wire(
 
 // Moving
 
-QString EditorEdits::moveText(const QVector<NetMove>& moves) const
-{
-    return moves.size() == 1 ? tr("Move node %1").arg(model(moves.constFirst().node).displayName())
-                             : tr("Move %1 nodes").arg(moves.size());
-}
-
 /// What has moved and may. What must not is put back.
-QVector<NetMove> EditorEdits::pendingMoves()
+QVector<NetMove> EditorEdits::pendingMoves(QString* whyNot)
 {
     QVector<NetMove> moves;
-    QString whyNot;
     const int count = m_Scene->scope().nodes.size();
     for (int i = 0; i < count; ++i) {
         if (m_Scene->isAtRest(i))
@@ -122,21 +119,56 @@ QVector<NetMove> EditorEdits::pendingMoves()
             moves.append({i, m_Scene->filePosition(i)});
             continue;
         }
-        whyNot = refusal;
+        *whyNot = refusal;
         m_Scene->putBack(i);
     }
-    if (!whyNot.isEmpty())
-        Q_EMIT m_Scene->status(whyNot);
+    return moves;
+}
+
+QVector<NetBackdropMove> EditorEdits::pendingBackdropMoves(QString* whyNot)
+{
+    QVector<NetBackdropMove> moves;
+    EditorBackdrops& shown = m_Scene->backdrops();
+    const int count = m_Scene->scope().backdrops.size();
+    for (int i = 0; i < count; ++i) {
+        if (shown.isAtRest(i))
+            continue;
+        const QString refusal = editor().whyNotChangeBackdrop(scopeIndex(), i);
+        if (refusal.isEmpty()) {
+            moves.append({i, shown.fileRect(i)});
+            continue;
+        }
+        *whyNot = refusal;
+        shown.putBack(i);
+    }
     return moves;
 }
 
 void EditorEdits::commitMoves()
 {
-    const QVector<NetMove> moves = pendingMoves();
-    if (moves.isEmpty() || push(editor().moveNodes(scopeIndex(), moves), moveText(moves)))
-        return;
+    QString whyNot;
+    const QVector<NetMove> moves = pendingMoves(&whyNot);
+    const QVector<NetBackdropMove> backdropMoves = pendingBackdropMoves(&whyNot);
+    if (!whyNot.isEmpty())
+        Q_EMIT m_Scene->status(whyNot);
+    QVector<int> nodes;
+    QVector<int> backdrops;
     for (const NetMove& move : moves)
-        m_Scene->putBack(move.node);
+        nodes.append(move.node);
+    for (const NetBackdropMove& move : backdropMoves)
+        backdrops.append(move.backdrop);
+    const OrvUndoManager::AutoMacro step(backdrops.isEmpty() && nodes.size() == 1
+            ? tr("Move node %1").arg(listed(nodes, {}))
+            : tr("Move %1").arg(listed(nodes, backdrops)));
+    if (!moves.isEmpty() && !push(editor().moveNodes(scopeIndex(), moves), tr("Move nodes"))) {
+        for (const int node : qAsConst(nodes))
+            m_Scene->putBack(node);
+    }
+    if (!backdropMoves.isEmpty()
+        && !push(editor().moveBackdrops(scopeIndex(), backdropMoves), tr("Move backdrops"))) {
+        for (const int each : qAsConst(backdrops))
+            m_Scene->backdrops().putBack(each);
+    }
 }
 
 void EditorEdits::arrange(const QVector<QPointF>& corners)
@@ -230,7 +262,7 @@ void EditorEdits::insertDot(OrvNgEdge* edge)
 
 // Removing
 
-void EditorEdits::remove(const Nodes& nodes)
+void EditorEdits::remove(const Nodes& nodes, const QVector<int>& backdrops)
 {
     commitMoves(); // of a drag that is still going on, so that undo finds the nodes there
     QVector<int> indices;
@@ -245,12 +277,12 @@ void EditorEdits::remove(const Nodes& nodes)
     }
     if (!whyNot.isEmpty())
         Q_EMIT m_Scene->status(whyNot);
-    if (indices.isEmpty())
-        return;
-    const QString text = indices.size() == 1
-        ? tr("Delete %1").arg(model(indices.constFirst()).displayName())
-        : tr("Delete %1 nodes").arg(indices.size());
-    push(editor().removeNodes(scopeIndex(), indices), text);
+    const QVector<int> frames = changeable(backdrops);
+    const OrvUndoManager::AutoMacro step(tr("Delete %1").arg(listed(indices, frames)));
+    if (!indices.isEmpty())
+        push(editor().removeNodes(scopeIndex(), indices), tr("Delete nodes"));
+    if (!frames.isEmpty())
+        push(editor().removeBackdrops(scopeIndex(), frames), tr("Delete backdrops"));
 }
 
 /// The source of the node's first connected input that may feed dest in the node's place.
@@ -297,6 +329,134 @@ void EditorEdits::extract(const Nodes& nodes)
     for (OrvNgNode* node : nodes)
         extract(m_Scene->indexOf(node));
 }
+
+// Backdrops and notes
+
+const NetBackdrop& EditorEdits::backdrop(int index) const
+{
+    return m_Scene->scope().backdrops.at(index);
+}
+
+/// For the history: one by its name, several by their number.
+QString EditorEdits::listed(const QVector<int>& nodes, const QVector<int>& backdrops) const
+{
+    QVector<int> frames;
+    int notes = 0;
+    for (const int each : backdrops) {
+        if (backdrop(each).isNote)
+            ++notes;
+        else
+            frames.append(each);
+    }
+    QStringList parts;
+    if (frames.size() == 1)
+        parts += backdrop(frames.constFirst()).title;
+    else if (frames.size() > 1)
+        parts += tr("%1 backdrops").arg(frames.size());
+    if (notes > 0)
+        parts += notes == 1 ? tr("a note") : tr("%1 notes").arg(notes);
+    if (nodes.size() == 1)
+        parts += model(nodes.constFirst()).displayName();
+    else if (nodes.size() > 1)
+        parts += tr("%1 nodes").arg(nodes.size());
+    if (parts.size() < 2)
+        return parts.value(0);
+    const QString last = parts.takeLast();
+    return tr("%1 and %2").arg(parts.join(QStringLiteral(", ")), last);
+}
+
+bool EditorEdits::mayChange(int backdrop) const
+{
+    if (!m_Scene->backdrops().item(backdrop))
+        return false;
+    const QString whyNot = editor().whyNotChangeBackdrop(scopeIndex(), backdrop);
+    if (!whyNot.isEmpty())
+        Q_EMIT m_Scene->status(whyNot);
+    return whyNot.isEmpty();
+}
+
+QVector<int> EditorEdits::changeable(const QVector<int>& backdrops) const
+{
+    QVector<int> result;
+    for (const int each : backdrops) {
+        if (mayChange(each))
+            result.append(each);
+    }
+    return result;
+}
+
+/// Of nodes whose positions the document does not have.
+QVector<NetMove> EditorEdits::movesOfLoose(const Nodes& nodes) const
+{
+    QVector<NetMove> moves;
+    for (OrvNgNode* node : nodes) {
+        const int index = m_Scene->indexOf(node);
+        if (!model(index).hasPosition && editor().whyNotMove(scopeIndex(), index).isEmpty())
+            moves.append({index, m_Scene->filePosition(index)});
+    }
+    return moves;
+}
+
+int EditorEdits::add(const NetBackdrop& backdrop, const QString& text)
+{
+    const int index = m_Scene->scope().backdrops.size();
+    push(editor().addBackdrop(scopeIndex(), backdrop), text);
+    OrvNgNode* added = m_Scene->backdrops().item(index);
+    if (!added)
+        return -1;
+    m_Scene->clearSelection();
+    added->setSelected(true);
+    return index;
+}
+
+void EditorEdits::wrap(const Nodes& nodes, const QRectF& bounds)
+{
+    if (bounds.isEmpty()) {
+        Q_EMIT m_Scene->status(tr("Select the nodes that the backdrop is to frame."));
+        return;
+    }
+    OrvNgBackdropNode measure(nullptr);
+    measure.wrapAroundSelection(bounds, true);
+    NetBackdrop wanted;
+    wanted.title = tr("Backdrop");
+    wanted.rect = m_Scene->fileRect(measure.sceneBoundingRect());
+    const OrvUndoManager::AutoMacro step(tr("Add a backdrop"));
+    const QVector<NetMove> moves = movesOfLoose(nodes);
+    if (!moves.isEmpty())
+        push(editor().moveNodes(scopeIndex(), moves), tr("Place nodes"));
+    add(wanted, tr("Add a backdrop"));
+}
+
+int EditorEdits::addNote(const QPointF& scenePos)
+{
+    NetBackdrop wanted;
+    wanted.isNote = true;
+    wanted.title = tr("Note");
+    wanted.doc = tr("Note");
+    wanted.rect = m_Scene->fileRect(QRectF(scenePos, kNoteSize));
+    return add(wanted, tr("Add a note"));
+}
+
+void EditorEdits::setBackdropText(int index, const QString& text, bool isDoc)
+{
+    if (!mayChange(index))
+        return;
+    if (!isDoc)
+        push(editor().setBackdropTitle(scopeIndex(), index, text),
+            tr("Rename %1").arg(backdrop(index).title));
+    else
+        push(editor().setBackdropDoc(scopeIndex(), index, text),
+            tr("Change the text of %1").arg(listed({}, {index})));
+}
+
+void EditorEdits::setBackdropColor(int index, const QColor& color)
+{
+    if (color.isValid() && mayChange(index))
+        push(editor().setBackdropColor(scopeIndex(), index, color.name().toUpper()),
+            tr("Colour %1").arg(listed({}, {index})));
+}
+
+// Reach
 
 QVector<bool> EditorEdits::reachable(
     const NetScope& scope, const QVector<int>& seeds, bool upstream)

@@ -3,6 +3,7 @@
 #include "network/NetEditor.h"
 
 #include <QPointF>
+#include <QRectF>
 #include <QVector>
 
 class EditorScene;
@@ -30,16 +31,26 @@ public:
     /// A drag of the node ended by a release: nodes that moved, moved; and the node goes into the edge that
     /// it marked.
     void drop(OrvNgNode* node);
-    /// One step for all nodes that do not stand where the scene put them.
+    /// One step for all nodes, backdrops and notes that do not stand where the scene put them.
     void commitMoves();
     /// One step; corners as the positions of the nodes.
     void arrange(const QVector<QPointF>& corners);
     /// Puts a dot between the ends of a connection, where its marker stands. Null is ignored.
     void insertDot(OrvNgEdge* edge);
-    void remove(const Nodes& nodes);
+    /// One step; backdrops and notes by their positions in the scope.
+    void remove(const Nodes& nodes, const QVector<int>& backdrops);
     /// Takes nodes out of their chains: what a node fed gets the source of its first connected input that
     /// fits, or none.
     void extract(const Nodes& nodes);
+
+    /// Puts a new backdrop around a rectangle in scene coordinates and selects it alone. The nodes are those
+    /// inside: they get the positions at which they stand, so that they are found there again.
+    void wrap(const Nodes& nodes, const QRectF& bounds);
+    /// Adds a note with its top left corner there and selects it alone; -1 when there is none.
+    int addNote(const QPointF& scenePos);
+    void setBackdropText(int backdrop, const QString& text, bool isDoc);
+    /// An invalid colour is ignored.
+    void setBackdropColor(int backdrop, const QColor& color);
 
     /// For each node of the scope whether the seeds' connections lead to it, upstream or downstream. The
     /// seeds are among them.
@@ -54,8 +65,14 @@ private:
     bool connectInput(const NetPortRef& source, const NetPortRef& dest);
     bool disconnectInput(const NetPortRef& dest);
 
-    QString moveText(const QVector<NetMove>& moves) const;
-    QVector<NetMove> pendingMoves();
+    const NetBackdrop& backdrop(int index) const;
+    QString listed(const QVector<int>& nodes, const QVector<int>& backdrops) const;
+    QVector<int> changeable(const QVector<int>& backdrops) const;
+    bool mayChange(int backdrop) const;
+    QVector<NetMove> pendingMoves(QString* whyNot);
+    QVector<NetBackdropMove> pendingBackdropMoves(QString* whyNot);
+    QVector<NetMove> movesOfLoose(const Nodes& nodes) const;
+    int add(const NetBackdrop& backdrop, const QString& text);
     OrvNgEdge* inputForInsertion(OrvNgNode* node, OrvNgEdge* edge, QString* whyNot) const;
     void insert(OrvNgNode* node, OrvNgEdge* edge);
     void extract(int node);

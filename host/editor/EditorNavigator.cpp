@@ -34,6 +34,9 @@ void EditorNavigator::followEditor()
     connect(editor, &NetEditor::inputChanged, this, note);
     connect(editor, &NetEditor::nodeAdded, this, note);
     connect(editor, &NetEditor::nodeRemoved, this, note);
+    connect(editor, &NetEditor::backdropChanged, this, note);
+    connect(editor, &NetEditor::backdropAdded, this, note);
+    connect(editor, &NetEditor::backdropRemoved, this, note);
 }
 
 void EditorNavigator::noteChange(int scope)
@@ -88,7 +91,7 @@ void EditorNavigator::show(int scope)
     if (look != m_Looks.cend())
         m_View->setLook(*look);
     else
-        m_View->frame(EditorScene::boundsOf(scene->nodes()));
+        m_View->frame(scene->contentBounds());
     Q_EMIT scopeChanged();
 }
 

@@ -4,8 +4,22 @@
 
 #include <QGraphicsEllipseItem>
 #include <QGraphicsSceneMouseEvent>
+#include <QGraphicsTextItem>
 
+#include <OrvNodeGraph/OrvNgStyle.h>
 #include <type_traits>
+
+void EditorNoteBox::fill(const QString& text, const QSizeF& size)
+{
+    const double least = double(OrvNgStyle::instance().getMinimumNodeWidth());
+    const QList<QGraphicsItem*> children = childItems();
+    for (QGraphicsItem* child : children) {
+        if (auto* shown = dynamic_cast<QGraphicsTextItem*>(child))
+            shown->setTextWidth(size.width() > 0 ? qMax(size.width(), least) : -1);
+    }
+    setLabel(text);
+    setRect(QRectF(QPointF(), size.expandedTo(boundingRect().size())));
+}
 
 template <typename Base>
 EditorNodeOf<Base>::EditorNodeOf()
@@ -71,3 +85,5 @@ template <typename Base> bool EditorNodeOf<Base>::sceneEvent(QEvent* event)
 
 template class EditorNodeOf<OrvNgExtendedNode>;
 template class EditorNodeOf<OrvNgDotNode>;
+template class EditorNodeOf<OrvNgBackdropNode>;
+template class EditorNodeOf<EditorNoteBox>;

@@ -1,17 +1,24 @@
 #include "editor/EditorScene.h"
 
+#include "editor/EditorBackdrops.h"
 #include "editor/EditorEdits.h"
 #include "editor/EditorNodeFactory.h"
+#include "editor/EditorStyleRefresh.h"
 #include "editor/EditorToolTips.h"
 #include "editor/EditorWiringGuide.h"
+
+#include <OrvCore/OrvUndoManager.h>
 
 #include <QGraphicsSceneHelpEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QToolTip>
 
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgPort.h>
+#include <OrvNodeGraph/OrvNgResizeTriangleItem.h>
+#include <OrvNodeGraph/OrvNgStyle.h>
 #include <algorithm>
 
 namespace {
@@ -65,6 +72,7 @@ EditorScene::EditorScene(std::shared_ptr<NetEditor> editor, int scope, Mode mode
     , m_ScopeIndex(scope)
     , m_Mode(mode)
     , m_Unit(NetPlacement::unitOf(this->scope()))
+    , m_Backdrops(std::make_unique<EditorBackdrops>(this))
     , m_Edits(std::make_unique<EditorEdits>(this))
     , m_Guide(std::make_unique<EditorWiringGuide>(this))
 {
@@ -82,7 +90,11 @@ EditorScene::EditorScene(std::shared_ptr<NetEditor> editor, int scope, Mode mode
     }
     for (int i = 0; i < m_Nodes.size(); ++i)
         colorPorts(i);
+    m_Backdrops->build(); // when the nodes are at their places, so that it finds what lies inside
     listenToModel();
+    new EditorStyleRefresh(this);
+    connect(&OrvNgStyle::instance(), &OrvNgStyle::colorsUpdated, this,
+        [this] { m_Backdrops->recolor(); });
 }
 
 EditorScene::~EditorScene()
@@ -244,6 +256,19 @@ int EditorScene::connectionCount() const
     return count;
 }
 
+QRectF EditorScene::contentBounds() const
+{
+    return boundsOf(nodes() + m_Backdrops->items());
+}
+
+QRectF EditorScene::selectionBounds() const
+{
+    Nodes selected = selectedNodes();
+    for (const int backdrop : m_Backdrops->selected())
+        selected.append(m_Backdrops->item(backdrop));
+    return boundsOf(selected);
+}
+
 QRectF EditorScene::boundsOf(const Nodes& nodes)
 {
     QRectF bounds;
@@ -349,6 +374,7 @@ void EditorScene::nodeLetGo(OrvNgNode*)
 
 void EditorScene::nodeGone(OrvNgNode* node)
 {
+    m_Backdrops->forget(node);
     const auto found = m_Indices.find(node);
     if (found == m_Indices.end())
         return;
@@ -379,7 +405,7 @@ void EditorScene::setDotMode(bool shown)
 
 void EditorScene::deleteSelection()
 {
-    m_Edits->remove(selectedNodes());
+    m_Edits->remove(selectedNodes(), m_Backdrops->selected());
 }
 
 void EditorScene::extract(OrvNgNode* node)
@@ -397,12 +423,49 @@ void EditorScene::extractSelection()
         m_Edits->extract(selectedNodes());
 }
 
+void EditorScene::wrapSelection()
+{
+    m_Edits->wrap(selectedNodes(), selectionBounds());
+}
+
+void EditorScene::addNote(const QPointF& scenePos)
+{
+    const int note = m_Edits->addNote(scenePos);
+    if (note >= 0)
+        askForText(note, true);
+}
+
+void EditorScene::renameBackdrop(int backdrop)
+{
+    if (m_Backdrops->item(backdrop))
+        askForText(backdrop, scope().backdrops.at(backdrop).isNote);
+}
+
+void EditorScene::askForText(int backdrop, bool isDoc)
+{
+    const QString whyNot = m_Editor->whyNotChangeBackdrop(m_ScopeIndex, backdrop);
+    const NetBackdrop& model = scope().backdrops.at(backdrop);
+    if (whyNot.isEmpty())
+        Q_EMIT textWanted(backdrop, isDoc ? model.doc : model.title, isDoc);
+    else
+        Q_EMIT status(whyNot);
+}
+
+void EditorScene::setBackdropText(int backdrop, const QString& text, bool isDoc)
+{
+    m_Edits->setBackdropText(backdrop, text, isDoc);
+}
+
+void EditorScene::setBackdropColor(int backdrop, const QColor& color)
+{
+    m_Edits->setBackdropColor(backdrop, color);
+}
+
 void EditorScene::selectAll()
 {
-    for (OrvNgNode* node : qAsConst(m_Nodes)) {
-        if (node)
-            node->setSelected(true);
-    }
+    const Nodes all = nodes() + m_Backdrops->items();
+    for (OrvNgNode* node : all)
+        node->setSelected(true);
 }
 
 void EditorScene::deselectAll()
@@ -449,6 +512,8 @@ QString EditorScene::toolTipOfPort(int nodeIndex, const OrvNgPort* port) const
 QString EditorScene::toolTipAt(const QPointF& scenePos) const
 {
     QGraphicsItem* item = topItemAt(*this, scenePos);
+    if (m_Backdrops->textOf(item) != EditorBackdrops::Text::None)
+        return EditorToolTips::ofBackdrop(scope().backdrops.at(m_Backdrops->indexOf(item)));
     const int index = indexOf(item);
     if (index < 0)
         return {};
@@ -475,7 +540,14 @@ bool EditorScene::event(QEvent* event)
 
 void EditorScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
-    const int index = indexOf(topItemAt(*this, event->scenePos()));
+    QGraphicsItem* item = topItemAt(*this, event->scenePos());
+    const EditorBackdrops::Text text = m_Backdrops->textOf(item);
+    if (text != EditorBackdrops::Text::None && event->button() == Qt::LeftButton) {
+        event->accept();
+        askForText(m_Backdrops->indexOf(item), text == EditorBackdrops::Text::Doc);
+        return;
+    }
+    const int index = indexOf(item);
     OrvNgNode* hit = node(index);
     if (hit && event->button() == Qt::LeftButton
         && hit->isDoubleClickValid(hit->mapFromScene(event->scenePos()))) {
@@ -484,6 +556,31 @@ void EditorScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
         return;
     }
     QGraphicsScene::mouseDoubleClickEvent(event);
+}
+
+/// The library records a resize as a step of its own; the change of the model belongs into the same one.
+void EditorScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsItem* grabber = mouseGrabberItem();
+    const int backdrop
+        = dynamic_cast<OrvNgResizeTriangleItem*>(grabber) ? m_Backdrops->indexOf(grabber) : -1;
+    if (backdrop < 0 || event->button() != Qt::LeftButton) {
+        QGraphicsScene::mouseReleaseEvent(event);
+        return;
+    }
+    const QString whyNot = m_Editor->whyNotChangeBackdrop(m_ScopeIndex, backdrop);
+    const QScopedValueRollback<int> resized(m_Resized, backdrop);
+    const bool isMoved = !m_Backdrops->isAtRest(backdrop)
+        || event->scenePos() != event->buttonDownScenePos(Qt::LeftButton);
+    if (!isMoved || !whyNot.isEmpty()) {
+        grabber->ungrabMouse(); // takes it back: there is nothing to record
+        if (isMoved)
+            Q_EMIT status(whyNot);
+        return;
+    }
+    const OrvUndoManager::AutoMacro step(tr("Resize %1").arg(scope().backdrops.at(backdrop).title));
+    QGraphicsScene::mouseReleaseEvent(event);
+    m_Edits->commitMoves();
 }
 
 void EditorScene::helpEvent(QGraphicsSceneHelpEvent* event)

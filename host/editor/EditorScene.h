@@ -11,6 +11,7 @@
 #include <OrvNodeGraph/OrvNgExtendedNode.h>
 #include <memory>
 
+class EditorBackdrops;
 class EditorEdits;
 class EditorWiringGuide;
 class OrvNgEdge;
@@ -21,7 +22,8 @@ class OrvNgPort;
 /// the scene shows what the model then says. It also explains what is under the mouse.
 ///
 /// Called by  EditorNavigator (makes and keeps scenes), EditorWindow (actions), its nodes (rules, drops).
-/// Uses       NetEditor, EditorEdits, EditorWiringGuide, EditorNodeFactory, EditorToolTips, NetPlacement.
+/// Uses       NetEditor, EditorBackdrops, EditorEdits, EditorWiringGuide, EditorNodeFactory, EditorToolTips,
+///            NetPlacement.
 /// Tells      the window, through its signals.
 class EditorScene : public QGraphicsScene
 {
@@ -40,6 +42,9 @@ public:
     const std::shared_ptr<NetEditor>& editor() const { return m_Editor; }
     const NetScope& scope() const;
     int scopeIndex() const { return m_ScopeIndex; }
+    /// Backdrops and notes; they are not among the nodes.
+    const EditorBackdrops& backdrops() const { return *m_Backdrops; }
+    EditorBackdrops& backdrops() { return *m_Backdrops; }
 
     // Nodes, by the positions of their models in the scope
 
@@ -52,6 +57,10 @@ public:
     Nodes selectedNodes() const;
     /// The edges that join two nodes.
     int connectionCount() const;
+    /// Of all nodes, backdrops and notes, or of those that are selected, in scene coordinates; null for
+    /// none.
+    QRectF contentBounds() const;
+    QRectF selectionBounds() const;
     /// Of the given nodes in scene coordinates; null for none.
     static QRectF boundsOf(const Nodes& nodes);
     /// The mean of the nodes' centres: where most of them are, while the centre of their bounds is
@@ -80,6 +89,12 @@ public:
     void placeLoose(int index, const QPointF& corner);
     /// A top left corner in scene coordinates as the model would write it.
     QPointF filePosition(const QPointF& corner) const;
+    /// A rectangle in scene coordinates as the model would write it.
+    QRectF fileRect(const QRectF& rect) const;
+    /// Of the model's positions, as when the scene was built.
+    NetPlacement::Unit unit() const { return m_Unit; }
+    /// The release that ends the resize of that backdrop is under way.
+    bool isResizing(int backdrop) const { return m_Resized == backdrop; }
 
     /// Gives the input the connection that the model has, silently, and both ends their colours.
     void showConnection(const NetPortRef& input);
@@ -105,6 +120,7 @@ public Q_SLOTS:
     void arrange();
     /// Shows on every connection the marker at which a click inserts a dot, or hides it again.
     void setDotMode(bool shown);
+    /// Backdrops and notes too.
     void deleteSelection();
     /// Takes a node out of its chain, which closes where the types allow it.
     void extract(OrvNgNode* node);
@@ -112,6 +128,15 @@ public Q_SLOTS:
     void extractSelection();
     void selectAll();
     void deselectAll();
+    /// Puts a new backdrop around all that is selected, and selects it.
+    void wrapSelection();
+    /// Adds a note there and asks for its text.
+    void addNote(const QPointF& scenePos);
+    /// Asks for the title of a backdrop, or the text of a note.
+    void renameBackdrop(int backdrop);
+    /// The answer to textWanted().
+    void setBackdropText(int backdrop, const QString& text, bool isDoc);
+    void setBackdropColor(int backdrop, const QColor& color);
     /// Adds all that leads to the selected nodes, or all that follows from them, to the selection.
     void selectUpstream();
     void selectDownstream();
@@ -120,12 +145,17 @@ Q_SIGNALS:
     /// A double click on the node at that position in the scope. Sent while the scene still handles
     /// the event: receivers that replace the scene connect queued.
     void nodeActivated(int index);
+    /// The user wants to change a text of the backdrop or note at that position in the scope: the title, or
+    /// what a note says or stands below a title (isDoc). text is the present one. Receivers that open a
+    /// dialog connect queued, as above, and call setBackdropText().
+    void textWanted(int backdrop, const QString& text, bool isDoc);
     /// One sentence for the user: why something was not done.
     void status(const QString& text);
 
 protected:
     bool event(QEvent* event) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
     void helpEvent(QGraphicsSceneHelpEvent* event) override;
 
 private:
@@ -152,6 +182,7 @@ private:
     void select(bool upstream);
     QString toolTipOfPort(int nodeIndex, const OrvNgPort* port) const;
     OrvNgEdge* carriedEdge() const;
+    void askForText(int backdrop, bool isDoc);
 
     using PortKey = QPair<int, int>;
 
@@ -166,9 +197,11 @@ private:
     QHash<PortKey, NetPortRef> m_Sources; ///< of the inputs as they are coloured now
     QSet<PortKey> m_Missing; ///< inputs shown with a source that does not exist
     QHash<int, Mode> m_RemovedModes; ///< a node that comes back looks as before
+    std::unique_ptr<EditorBackdrops> m_Backdrops;
     std::unique_ptr<EditorEdits> m_Edits;
     std::unique_ptr<EditorWiringGuide> m_Guide;
     bool m_DotMode = false;
     bool m_IsClosing = false;
+    int m_Resized = -1; ///< the backdrop whose resize ends just now
     int m_Following = 0; ///< above 0 while the scene takes over a change of the model
 };

@@ -1,11 +1,9 @@
+#include "editor/EditorBackdrops.h"
 #include "editor/EditorNodeFactory.h"
 #include "editor/EditorPortColors.h"
 #include "editor/EditorScene.h"
+#include "editor/EditorSnapPause.h"
 #include "editor/EditorWiringGuide.h"
-
-#include <OrvCoreModules/OrvShaderNetworkManager.h>
-
-#include <QSignalBlocker>
 
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgPort.h>
@@ -14,24 +12,6 @@
 // How the scene shows what the model says: places, the looks of ports, and changes as they come.
 
 namespace {
-
-/// Lets nodes be put exactly where the model has them. The host's setting comes back unheard.
-class SnapPause
-{
-public:
-    SnapPause()
-        : m_Silence(OrvShaderNetworkManager::instance())
-        , m_WasOn(OrvShaderNetworkManager::instance()->snapToGrid())
-    {
-        OrvShaderNetworkManager::instance()->setSnapToGrid(false);
-    }
-    ~SnapPause() { OrvShaderNetworkManager::instance()->setSnapToGrid(m_WasOn); }
-
-private:
-    Q_DISABLE_COPY(SnapPause)
-    QSignalBlocker m_Silence;
-    bool m_WasOn;
-};
 
 /// Counts up for as long as it lives.
 class Counted
@@ -69,7 +49,7 @@ void EditorScene::setCorner(int index, const QPointF& corner)
     OrvNgNode* node = m_Nodes.at(index);
     const QPointF place = corner - node->boundingRect().topLeft();
     if (node->pos() != place) {
-        const SnapPause exact;
+        const EditorSnapPause exact;
         node->setPos(place);
     }
     m_Places[index] = node->pos();
@@ -100,6 +80,11 @@ QPointF EditorScene::filePosition(int index) const
 QPointF EditorScene::filePosition(const QPointF& corner) const
 {
     return NetPlacement::toFile(corner, m_Unit);
+}
+
+QRectF EditorScene::fileRect(const QRectF& rect) const
+{
+    return {filePosition(rect.topLeft()), filePosition(rect.bottomRight())};
 }
 
 void EditorScene::placeLoose(int index, const QPointF& corner)
@@ -231,6 +216,18 @@ void EditorScene::listenToModel()
             if (here(changedScope))
                 followRemoval(nodeIndex);
         });
+    const auto follow = [this, here](void (NetEditor::*change)(int, int),
+                            void (EditorBackdrops::*step)(int)) {
+        connect(m_Editor.get(), change, this, [this, here, step](int changedScope, int backdrop) {
+            if (!here(changedScope))
+                return;
+            const Counted following(&m_Following);
+            (m_Backdrops.get()->*step)(backdrop);
+        });
+    };
+    follow(&NetEditor::backdropChanged, &EditorBackdrops::followChange);
+    follow(&NetEditor::backdropAdded, &EditorBackdrops::followAddition);
+    follow(&NetEditor::backdropRemoved, &EditorBackdrops::followRemoval);
 }
 
 void EditorScene::followMoves(const QVector<int>& nodes)

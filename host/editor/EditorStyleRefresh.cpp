@@ -8,6 +8,7 @@
 #include <QPen>
 #include <QScopedValueRollback>
 
+#include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgExtendedNode.h>
@@ -32,7 +33,11 @@ Parts partsOf(const QString& propertyName)
 {
     static const QStringList s_Sizes{QStringLiteral("NodeTextPaddingX"),
         QStringLiteral("NodeTextPaddingY"), QStringLiteral("NodeShapeIndentX"),
-        QStringLiteral("MinimumNodeWidth"), QStringLiteral("NodeHeight")};
+        QStringLiteral("MinimumNodeWidth"), QStringLiteral("NodeHeight"),
+        QStringLiteral("MinimumBackdropNodeWidth"), QStringLiteral("MinimumBackdropNodeHeight"),
+        QStringLiteral("BackdropNodeTitleBarHeight"),
+        QStringLiteral("BackdropNodeTitleBarPaddingLeftTop"),
+        QStringLiteral("BackdropNodeTitleBarPaddingRightBottom")};
     if (propertyName.startsWith(QLatin1String("Grid"))
         || propertyName.startsWith(QLatin1String("Scene")))
         return {};
@@ -87,6 +92,8 @@ void refreshNode(OrvNgNode* node, Parts parts)
     if (parts & EditorStyleRefresh::Layout) {
         if (auto* extended = dynamic_cast<OrvNgExtendedNode*>(node))
             extended->updateWidget();
+        else if (auto* backdrop = dynamic_cast<OrvNgBackdropNode*>(node))
+            backdrop->setRect(backdrop->boundingRect());
     }
     // After the layout too: a node's gradient spans its shape.
     if (parts & (EditorStyleRefresh::Nodes | EditorStyleRefresh::Layout))

@@ -113,6 +113,19 @@ QString EditorToolTips::ofNode(const NetNode& node)
     return lines.html();
 }
 
+QString EditorToolTips::ofBackdrop(const NetBackdrop& backdrop)
+{
+    Lines lines(backdrop.title);
+    lines.add(tr("Name"), backdrop.title == backdrop.name ? QString() : backdrop.name);
+    if (!backdrop.isNote) // which shows it
+        lines.add(tr("Note"), backdrop.doc);
+    if (backdrop.fileIndex > 0)
+        lines.add(tr("Included"), tr("from another file; it cannot be changed here"));
+    else
+        lines.add(tr("Double click"), tr("changes the text"));
+    return lines.html();
+}
+
 QString EditorToolTips::ofInput(const NetScope& scope, int nodeIndex, int portIndex)
 {
     if (nodeIndex < 0 || nodeIndex >= scope.nodes.size() || portIndex < 0

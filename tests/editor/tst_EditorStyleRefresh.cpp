@@ -9,10 +9,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgExtendedNode.h>
 #include <OrvNodeGraph/OrvNgPort.h>
 #include <OrvNodeGraph/OrvNgStyle.h>
+#include <OrvNodeGraph/OrvNgUINode.h>
 
 namespace {
 
@@ -32,7 +34,25 @@ OrvNgExtendedNode* addNode(QGraphicsScene* scene, const char* category, const QP
     return node;
 }
 
-/// Two nodes and an edge of each kind.
+void addBackdrops(QGraphicsScene* scene)
+{
+    for (const bool hasColor : {false, true}) {
+        auto* backdrop = new OrvNgBackdropNode(nullptr);
+        backdrop->setTitleText(QStringLiteral("Frame"));
+        backdrop->setLabel(QStringLiteral("Remark"));
+        if (hasColor)
+            backdrop->setNodeBackgroundColour(Qt::darkBlue);
+        scene->addItem(backdrop);
+        backdrop->setPos(-140, hasColor ? 100 : 200);
+        backdrop->setSelected(hasColor);
+    }
+    auto* note = new OrvNgUINode(nullptr);
+    note->setLabel(QStringLiteral("Note"));
+    scene->addItem(note);
+    note->setPos(100, 240);
+}
+
+/// Two nodes and an edge of each kind, backdrops and a note.
 void fill(QGraphicsScene* scene)
 {
     OrvNgExtendedNode* source = addNode(scene, "Math", {0, 0});
@@ -43,6 +63,7 @@ void fill(QGraphicsScene* scene)
     dest->input(QStringLiteral("labelled"))->setTextVisible(true);
     dest->input(QStringLiteral("crossed"))->setBypassed(true);
     dest->input(QStringLiteral("marked"))->switchToDotableMode(true);
+    addBackdrops(scene);
 }
 
 QImage picture(QGraphicsScene* scene)
@@ -95,6 +116,12 @@ void tst_EditorStyleRefresh::oldItems_lookLikeNewOnes_data()
     row("marker", "DotableMarkerColor", color);
     row("text of ports", "PortTextColor", color);
     row("ground of a label", "SceneBackgroundColor", color);
+    row("title bar of a backdrop", "BackdropNodeTitleBarColor", color);
+    row("title bar of a selected backdrop", "SelectedNodeColor", color);
+    row("handles of a backdrop", "BackdropNodeResizeHoverAreaColor", color);
+    row("height of title bars", "BackdropNodeTitleBarHeight", QVariant(60.0F));
+    row("place of titles", "BackdropNodeTitleBarPaddingLeftTop", QVariant(QPointF(40, 8)));
+    row("outline of a note", "NodeOutlineColor", color);
 }
 
 void tst_EditorStyleRefresh::oldItems_lookLikeNewOnes()
