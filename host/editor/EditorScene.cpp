@@ -530,6 +530,8 @@ OrvNgEdge* EditorScene::carriedEdge() const
 
 bool EditorScene::event(QEvent* event)
 {
+    if (event->type() == QEvent::DeferredDelete)
+        return QGraphicsScene::event(event); // afterwards there is no scene
     // Whatever started or ended the carrying of an edge, an event of the scene follows it.
     const QPointer<EditorScene> self(this); // the event may be its own deletion
     const bool isHandled = QGraphicsScene::event(event);
