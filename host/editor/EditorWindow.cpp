@@ -1,5 +1,6 @@
 #include "editor/EditorWindow.h"
 
+#include "editor/EditorBackdrops.h"
 #include "editor/EditorBreadcrumbBar.h"
 #include "editor/EditorHistory.h"
 #include "editor/EditorMessageBar.h"
@@ -284,15 +285,15 @@ void EditorWindow::chooseFile()
 void EditorWindow::frameAll()
 {
     if (scene())
-        m_View->frame(EditorScene::boundsOf(scene()->nodes()));
+        m_View->frame(scene()->contentBounds());
 }
 
 void EditorWindow::frameSelection()
 {
     if (!scene())
         return;
-    const EditorScene::Nodes selected = scene()->selectedNodes();
-    m_View->frame(EditorScene::boundsOf(selected.isEmpty() ? scene()->nodes() : selected));
+    const QRectF selected = scene()->selectionBounds();
+    m_View->frame(selected.isNull() ? scene()->contentBounds() : selected);
 }
 
 void EditorWindow::zoomToActualSize()
@@ -313,6 +314,64 @@ void EditorWindow::chooseGridSize()
 void EditorWindow::showPreferences()
 {
     EditorPreferencesDialog::showFor(this);
+}
+
+void EditorWindow::addNote()
+{
+    if (!scene())
+        return;
+    const QWidget* viewport = m_View->viewport();
+    const QPoint mouse = viewport->mapFromGlobal(QCursor::pos());
+    scene()->addNote(
+        viewport->rect().contains(mouse) ? m_View->mapToScene(mouse) : m_View->look().center);
+}
+
+/// -1, after saying so, when it is not clear which one is meant.
+int EditorWindow::chosenBackdrop()
+{
+    if (!scene())
+        return -1;
+    const EditorBackdrops& backdrops = scene()->backdrops();
+    const QVector<int> selected = backdrops.selected();
+    QRectF bounds;
+    for (const int index : selected)
+        bounds |= backdrops.item(index)->sceneBoundingRect();
+    for (const int index : selected) {
+        if (backdrops.item(index)->sceneBoundingRect() == bounds)
+            return index;
+    }
+    showStatus(tr("Select one backdrop or note."));
+    return -1;
+}
+
+void EditorWindow::renameBackdrop()
+{
+    const int backdrop = chosenBackdrop();
+    if (backdrop >= 0)
+        scene()->renameBackdrop(backdrop);
+}
+
+void EditorWindow::recolorBackdrop()
+{
+    const QPointer<EditorScene> scene = this->scene();
+    const int backdrop = chosenBackdrop();
+    if (backdrop < 0)
+        return;
+    const QColor color = m_Saving->questions()->color(tr("Colour of the Backdrop"),
+        EditorBackdrops::colorOf(scene->scope().backdrops.at(backdrop)));
+    if (scene && color.isValid())
+        scene->setBackdropColor(backdrop, color);
+}
+
+void EditorWindow::askForText(int backdrop, const QString& text, bool isDoc)
+{
+    const QPointer<EditorScene> scene = qobject_cast<EditorScene*>(sender());
+    if (!scene)
+        return;
+    const std::optional<QString> answer = m_Saving->questions()->text(
+        isDoc ? tr("Text") : tr("Title"), isDoc ? tr("Text:") : tr("Title:"), text, isDoc);
+    if (scene && answer)
+        scene->setBackdropText(backdrop, *answer, isDoc);
 }
 
 void EditorWindow::setPortListMode(EditorScene::Mode mode)
@@ -354,6 +413,9 @@ void EditorWindow::followScope()
         crumbs.append({scopeTitle(scope), scope});
     m_Breadcrumbs->setTrail(crumbs);
     connect(scene(), &EditorScene::status, this, &EditorWindow::showStatus, Qt::UniqueConnection);
+    // The dialog keeps the program waiting: not while the scene handles a double click.
+    connect(scene(), &EditorScene::textWanted, this, &EditorWindow::askForText,
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
     for (QAction* action : {m_Save, m_SaveAs, m_Reload})
         action->setEnabled(true);
     m_Leave->setEnabled(m_Navigator->canLeave());

@@ -89,6 +89,11 @@ public Q_SLOTS:
     void leave();
     void showKeys();
     void showPreferences();
+    /// At the mouse; in the middle of the view when the mouse is elsewhere.
+    void addNote();
+    /// Of the selected backdrop; of the outer one when it was selected with those inside.
+    void renameBackdrop();
+    void recolorBackdrop();
     /// Asks for the size of the grid's cells.
     void chooseGridSize();
 
@@ -111,6 +116,7 @@ private:
     void buildNavigationMenu(QMenu* menu);
     QAction* addSwitch(QMenu* menu, const QString& text, const QKeySequence& key, bool isOn);
     void buildNodeMenu();
+    void buildBackdropMenu();
     void buildGoMenu();
     void buildHelpMenu();
     template <typename Receiver, typename Slot>
@@ -118,6 +124,7 @@ private:
         Receiver* receiver, Slot slot);
     QAction* addSceneAction(QMenu* menu, const QString& text, const QList<QKeySequence>& keys,
         void (EditorScene::*slot)());
+    void restWhileMouseHeld(QAction* action);
 
     const NetDocument* document() const;
     void followScope();
@@ -128,6 +135,8 @@ private:
     QString scopeTitle(int scope) const;
     void showTitle();
     void showFacts();
+    int chosenBackdrop();
+    void askForText(int backdrop, const QString& text, bool isDoc);
     void showStatus(const QString& text);
     void openRecent(const QString& path);
     bool read(const QString& path, const QString& scopePath);

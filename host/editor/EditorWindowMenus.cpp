@@ -50,8 +50,13 @@ QAction* EditorWindow::addSceneAction(
         if (scene())
             (scene()->*slot)();
     });
-    connect(m_View, &EditorView::mouseHeldChanged, action, &QAction::setDisabled);
+    restWhileMouseHeld(action);
     return action;
+}
+
+void EditorWindow::restWhileMouseHeld(QAction* action)
+{
+    connect(m_View, &EditorView::mouseHeldChanged, action, &QAction::setDisabled);
 }
 
 void EditorWindow::buildMenus()
@@ -61,6 +66,7 @@ void EditorWindow::buildMenus()
     buildSelectMenu();
     buildViewMenu();
     buildNodeMenu();
+    buildBackdropMenu();
     buildGoMenu();
     buildHelpMenu();
 }
@@ -251,6 +257,19 @@ void EditorWindow::buildNodeMenu()
     }
     menu->addSeparator();
     addAction(menu, tr("&Arrange All"), {QKeySequence(Qt::Key_L)}, this, &EditorWindow::arrange);
+}
+
+void EditorWindow::buildBackdropMenu()
+{
+    QMenu* menu = menuBar()->addMenu(tr("&Backdrop"));
+    addSceneAction(menu, tr("&Wrap Selection in Backdrop"), {QKeySequence(Qt::Key_B)},
+        &EditorScene::wrapSelection);
+    restWhileMouseHeld(
+        addAction(menu, tr("Add &Note"), {QKeySequence(Qt::Key_N)}, this, &EditorWindow::addNote));
+    menu->addSeparator();
+    restWhileMouseHeld(addAction(
+        menu, tr("&Rename…"), {QKeySequence(Qt::Key_F2)}, this, &EditorWindow::renameBackdrop));
+    restWhileMouseHeld(addAction(menu, tr("&Colour…"), {}, this, &EditorWindow::recolorBackdrop));
 }
 
 void EditorWindow::buildGoMenu()

@@ -78,7 +78,16 @@ public:
     QString pathToSave(const QString&) override { return m_SavePath; }
     void tellFailure(const QString&, const QString& why) override { m_Failures.append(why); }
     int gridSize(int) override { return m_GridSize; }
+    std::optional<QString> text(
+        const QString&, const QString&, const QString& present, bool manyLines) override
+    {
+        m_Asked.append((manyLines ? QStringLiteral("lines ") : QStringLiteral("line ")) + present);
+        return m_Text;
+    }
+    QColor color(const QString&, const QColor&) override { return m_Color; }
 
+    std::optional<QString> m_Text;
+    QColor m_Color;
     int m_GridSize = 0;
     Answer m_Unsaved = Answer::Cancel;
     bool m_Overwrites = false;
@@ -130,6 +139,7 @@ private Q_SLOTS:
     void settings_keepGridMinimapAndNavigation();
     void preferences_openOnce();
     void saveAs_saysWhichIncludesAreLost();
+    void backdropKeys_changeTheOuterOne();
 
 private:
     QString write(const char* name, const QByteArray& text)
@@ -659,6 +669,44 @@ void tst_EditorWindow::saveAs_saysWhichIncludesAreLost()
     QVERIFY2(
         bar->details().contains(QStringLiteral("away/whole.mtlx:2: ")), qPrintable(bar->details()));
     QCOMPARE(bar->details().count(QLatin1Char('\n')), 0); // one was lost before, one is absolute
+}
+
+void tst_EditorWindow::backdropKeys_changeTheOuterOne()
+{
+    const auto key = [&](Qt::Key k) {
+        QTest::keyClick(m_Window.get(), k);
+        flush();
+    };
+    const auto backdrop = [&](int index) { return m_Window->scene()->scope().backdrops.at(index); };
+    select("user");
+    key(Qt::Key_B);
+    m_Window->scene()->selectAll();
+    key(Qt::Key_B);
+    QCOMPARE(m_Window->scene()->scope().backdrops.size(), 2);
+    QVERIFY(backdrop(1).rect.contains(backdrop(0).rect));
+    m_Window->scene()->selectAll();
+
+    const int steps = stack()->count();
+    key(Qt::Key_F2); // no answer
+    actionNamed(*m_Window, "Colour…")->trigger();
+    QCOMPARE(stack()->count(), steps);
+    m_Answers->m_Text = QStringLiteral("Outer");
+    key(Qt::Key_F2);
+    m_Answers->m_Color = QColor(18, 52, 86);
+    actionNamed(*m_Window, "Colour…")->trigger();
+    QCOMPARE(backdrop(1).title, QStringLiteral("Outer"));
+    QCOMPARE(backdrop(1).color.toLower(), QStringLiteral("#123456"));
+    QVERIFY(backdrop(0).title != backdrop(1).title && backdrop(0).color != backdrop(1).color);
+    QVERIFY(m_Answers->m_Asked.constLast().startsWith(QLatin1String("line ")));
+
+    m_Answers->m_Text = QStringLiteral("two\nlines");
+    key(Qt::Key_N);
+    QVERIFY(m_Answers->m_Asked.constLast().startsWith(QLatin1String("lines ")));
+    QVERIFY(backdrop(2).isNote);
+    QCOMPARE(backdrop(2).doc, QStringLiteral("two\nlines"));
+    while (stack()->canUndo())
+        stack()->undo();
+    QCOMPARE(m_Window->navigator()->editor()->text(), QByteArray(kGraphs));
 }
 
 QTEST_MAIN(tst_EditorWindow)
