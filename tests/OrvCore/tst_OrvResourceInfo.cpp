@@ -29,16 +29,6 @@ private Q_SLOTS:
         QCOMPARE(QString::fromLocal8Bit(process.readAllStandardOutput()),
             settings + QStringLiteral("/A.conf"));
     }
-
-    void resourceRoot_movesThePathsAndEmptyRestoresThem()
-    {
-        OrvResourceInfo& info = OrvResourceInfo::instance();
-        const QString standard = info.iconPath();
-        info.setResourceRoot(QStringLiteral("/opt//x/../orv/"));
-        QCOMPARE(info.iconPath(), QStringLiteral("/opt/orv/icons"));
-        info.setResourceRoot({});
-        QCOMPARE(info.iconPath(), standard);
-    }
 };
 
 // With --print the program only says where it would look, for a test that runs it as another
