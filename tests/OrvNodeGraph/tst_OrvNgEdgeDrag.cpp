@@ -1,7 +1,6 @@
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
-#include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/DebugRecorder.h"
 #include "support/ViewStage.h"
 
@@ -10,7 +9,6 @@
 #include <QAction>
 #include <QGraphicsPathItem>
 #include <QMenu>
-#include <QScopeGuard>
 #include <QTimer>
 #include <QUndoStack>
 
@@ -253,313 +251,274 @@ class tst_OrvNgEdgeDrag : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void edgeFollowsItsStateTable_data();
-    void edgeFollowsItsStateTable();
-    void pick_choosesTheNearerEnd_data();
-    void pick_choosesTheNearerEnd();
-    void bodyDrop_offersWhatFits();
-    void looseEnd_staysOnTheCursorWhileNodesMove();
-    void slotsMayDestroyAnything_data();
-    void slotsMayDestroyAnything();
-};
+    void edgeFollowsItsStateTable_data()
+    {
+        QTest::addColumn<Script>("script");
+        QTest::addColumn<QString>("connections");
+        QTest::addColumn<QString>("heard");
+        QTest::addColumn<QString>("undo");
+        QTest::addColumn<QString>("report");
+        const auto row = [](const char* name, const char* connections, const char* heard,
+                             const char* undo, const char* report, const Script& script) {
+            const auto text = [](const char* chars) { return QString::fromLatin1(chars); };
+            QTest::newRow(name) << script << text(connections) << text(heard) << text(undo)
+                                << text(report);
+        };
+        const char* const toSource = "Detaching at source output point 'o'";
+        const char* const toDest = "Detaching at dest input point 'x'";
+        const char* const gone = "Removed temp edge 'o'";
 
-void tst_OrvNgEdgeDrag::edgeFollowsItsStateTable_data()
-{
-    QTest::addColumn<Script>("script");
-    QTest::addColumn<QString>("connections");
-    QTest::addColumn<QString>("heard");
-    QTest::addColumn<QString>("undo");
-    QTest::addColumn<QString>("report");
-    const auto row = [](const char* name, const char* connections, const char* heard,
-                         const char* undo, const char* report, const Script& script) {
-        const auto text = [](const char* chars) { return QString::fromLatin1(chars); };
-        QTest::newRow(name) << script << text(connections) << text(heard) << text(undo)
-                            << text(report);
-    };
-    const char* const toSource = "Detaching at source output point 'o'";
-    const char* const toDest = "Detaching at dest input point 'x'";
-    const char* const gone = "Removed temp edge 'o'";
-
-    // The source end of the edge itself
-    row("source end to another output", "N.x=R.a", "N.x=R.a", "Moved output N.x from S.o to R.a",
-        toSource, [](Rig& r) { r.drag(r.onEdge(0.04), r.outPort("R", "a")); });
-    row("source end back to its output", "N.x=S.o", "", "", toSource,
-        [](Rig& r) { r.drag(r.onEdge(0.04), r.outPort("S", "o")); });
-    row("source end to nothing", "", "N.x=none", "N.x=none", toSource,
-        [](Rig& r) { r.drag(r.onEdge(0.04), Rig::nowhere()); });
-    row("source end to the own node", "N.x=S.o", "", "", toSource,
-        [](Rig& r) { r.drag(r.onEdge(0.04), r.header("N")); });
-    row("source end to a node without outputs", "N.x=S.o", "", "", "has NO OUTPUT to connect to!",
-        [](Rig& r) { r.drag(r.onEdge(0.04), r.header("M")); });
-    row("source end, output from the menu", "N.x=R.b", "N.x=R.b",
-        "Moved output N.x from S.o to R.b", toSource, [](Rig& r) {
-            r.inMenu("b");
+        // The source end of the edge itself
+        row("source end to another output", "N.x=R.a", "N.x=R.a",
+            "Moved output N.x from S.o to R.a", toSource,
+            [](Rig& r) { r.drag(r.onEdge(0.04), r.outPort("R", "a")); });
+        row("source end back to its output", "N.x=S.o", "", "", toSource,
+            [](Rig& r) { r.drag(r.onEdge(0.04), r.outPort("S", "o")); });
+        row("source end to nothing", "", "N.x=none", "N.x=none", toSource,
+            [](Rig& r) { r.drag(r.onEdge(0.04), Rig::nowhere()); });
+        row("source end to the own node", "N.x=S.o", "", "", toSource,
+            [](Rig& r) { r.drag(r.onEdge(0.04), r.header("N")); });
+        row("source end to a node without outputs", "N.x=S.o", "", "",
+            "has NO OUTPUT to connect to!", [](Rig& r) { r.drag(r.onEdge(0.04), r.header("M")); });
+        row("source end, output from the menu", "N.x=R.b", "N.x=R.b",
+            "Moved output N.x from S.o to R.b", toSource, [](Rig& r) {
+                r.inMenu("b");
+                r.drag(r.onEdge(0.04), r.header("R"));
+            });
+        row("source end, menu closed", "N.x=S.o", "", "", toSource, [](Rig& r) {
+            r.inMenu("");
             r.drag(r.onEdge(0.04), r.header("R"));
         });
-    row("source end, menu closed", "N.x=S.o", "", "", toSource, [](Rig& r) {
-        r.inMenu("");
-        r.drag(r.onEdge(0.04), r.header("R"));
-    });
-    row("source end, refused by the host", "N.x=S.o", "N.x!Odd", "", toSource,
-        [](Rig& r) { r.drag(r.onEdge(0.04), r.outPort("Odd", "o")); });
-    row("source dies while its end is carried", "", "N.x=none", "N.x=none", toSource, [](Rig& r) {
-        r.carry(r.onEdge(0.04), r.header("N"));
-        r["S"]->destroy();
-        flushEvents();
-        r.release(r.header("N"));
-    });
+        row("source end, refused by the host", "N.x=S.o", "N.x!Odd", "", toSource,
+            [](Rig& r) { r.drag(r.onEdge(0.04), r.outPort("Odd", "o")); });
+        row("source dies while its end is carried", "", "N.x=none", "N.x=none", toSource,
+            [](Rig& r) {
+                r.carry(r.onEdge(0.04), r.header("N"));
+                r["S"]->destroy();
+                flushEvents();
+                r.release(r.header("N"));
+            });
 
-    // The destination end of the edge itself
-    row("dest end to another node", "M.y=S.o", "N.x=none M.y=S.o",
-        "Moved output S.o from N.x to M.y", toDest,
-        [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("M", "y")); });
-    row("dest end to a taken input", "M.y=S.o", "N.x=none M.y=S.o",
-        "Moved output S.o from N.x to M.y", toDest, [](Rig& r) {
-            r.connectInput("M", "y", "R", "a");
-            r.drag(r.onEdge(0.97), r.inPort("M", "y"));
+        // The destination end of the edge itself
+        row("dest end to another node", "M.y=S.o", "N.x=none M.y=S.o",
+            "Moved output S.o from N.x to M.y", toDest,
+            [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("M", "y")); });
+        row("dest end to a taken input", "M.y=S.o", "N.x=none M.y=S.o",
+            "Moved output S.o from N.x to M.y", toDest, [](Rig& r) {
+                r.connectInput("M", "y", "R", "a");
+                r.drag(r.onEdge(0.97), r.inPort("M", "y"));
+            });
+        row("dest end back home", "N.x=S.o", "", "", toDest,
+            [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("N", "x")); });
+        row("dest end to another input of its node", "N.z=S.o", "N.x=none N.z=S.o",
+            "Moved output S.o from N.x to N.z", toDest,
+            [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("N", "z")); });
+        row("dest end to nothing", "", "N.x=none", "N.x=none", toDest,
+            [](Rig& r) { r.drag(r.onEdge(0.97), Rig::nowhere()); });
+        row("dest end to the own source", "N.x=S.o", "", "", toDest,
+            [](Rig& r) { r.drag(r.onEdge(0.97), r.header("S")); });
+        row("dest end to a locked input", "N.x=S.o", "", "", "Non-reconnectable edge, y",
+            [](Rig& r) {
+                r["M"]->updateInputTags(QStringLiteral("y"), {QStringLiteral("_locked")});
+                r.drag(r.onEdge(0.97), r.inPort("M", "y"));
+            });
+        row("dest end to the one input that has this source", "N.x=S.o", "", "",
+            "Attempting to double-connect on input point 'only'",
+            [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("D", "only")); });
+        row("dest end to where the connection exists", "M.y=S.o", "N.x=none",
+            "Moved output S.o from N.x to M.y", toDest, [](Rig& r) {
+                r.connectInput("M", "y", "S", "o");
+                r.drag(r.onEdge(0.97), r.inPort("M", "y"));
+            });
+        row("dest end, menu closed", "N.x=S.o", "", "", toDest, [](Rig& r) {
+            r.inMenu("");
+            r.drag(r.onEdge(0.97), r.header("M"));
         });
-    row("dest end back home", "N.x=S.o", "", "", toDest,
-        [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("N", "x")); });
-    row("dest end to another input of its node", "N.z=S.o", "N.x=none N.z=S.o",
-        "Moved output S.o from N.x to N.z", toDest,
-        [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("N", "z")); });
-    row("dest end to nothing", "", "N.x=none", "N.x=none", toDest,
-        [](Rig& r) { r.drag(r.onEdge(0.97), Rig::nowhere()); });
-    row("dest end to the own source", "N.x=S.o", "", "", toDest,
-        [](Rig& r) { r.drag(r.onEdge(0.97), r.header("S")); });
-    row("dest end to a locked input", "N.x=S.o", "", "", "Non-reconnectable edge, y", [](Rig& r) {
-        r["M"]->updateInputTags(QStringLiteral("y"), {QStringLiteral("_locked")});
-        r.drag(r.onEdge(0.97), r.inPort("M", "y"));
-    });
-    row("dest end to the one input that has this source", "N.x=S.o", "", "",
-        "Attempting to double-connect on input point 'only'",
-        [](Rig& r) { r.drag(r.onEdge(0.97), r.inPort("D", "only")); });
-    row("dest end to where the connection exists", "M.y=S.o", "N.x=none",
-        "Moved output S.o from N.x to M.y", toDest, [](Rig& r) {
-            r.connectInput("M", "y", "S", "o");
-            r.drag(r.onEdge(0.97), r.inPort("M", "y"));
-        });
-    row("dest end, menu closed", "N.x=S.o", "", "", toDest, [](Rig& r) {
-        r.inMenu("");
-        r.drag(r.onEdge(0.97), r.header("M"));
-    });
-    row("source dies while the dest end is carried", "", "N.x=none", "N.x=none", toDest,
-        [](Rig& r) {
+        row("source dies while the dest end is carried", "", "N.x=none", "N.x=none", toDest,
+            [](Rig& r) {
+                r.carry(r.onEdge(0.97), r.inPort("M", "y"));
+                r["S"]->destroy();
+                flushEvents();
+                r.release(r.inPort("M", "y"));
+            });
+        row("home dies while the dest end is carried", "", "", "", toDest, [](Rig& r) {
             r.carry(r.onEdge(0.97), r.inPort("M", "y"));
-            r["S"]->destroy();
+            r["N"]->destroy();
             flushEvents();
             r.release(r.inPort("M", "y"));
         });
-    row("home dies while the dest end is carried", "", "", "", toDest, [](Rig& r) {
-        r.carry(r.onEdge(0.97), r.inPort("M", "y"));
-        r["N"]->destroy();
-        flushEvents();
-        r.release(r.inPort("M", "y"));
-    });
-    row("another item takes the mouse", "N.x=S.o", "", "", toDest, [](Rig& r) {
-        r.carry(r.onEdge(0.97), Rig::nowhere());
-        r["M"]->grabMouse();
-        r["M"]->ungrabMouse();
-        flushEvents();
-        r.release(Rig::nowhere());
-    });
-    row("the button was let go unseen, the source gone", "", "N.x=none", "N.x=none", toDest,
-        [](Rig& r) {
+        row("another item takes the mouse", "N.x=S.o", "", "", toDest, [](Rig& r) {
             r.carry(r.onEdge(0.97), Rig::nowhere());
-            r["S"]->destroy();
+            r["M"]->grabMouse();
+            r["M"]->ungrabMouse();
             flushEvents();
-            r.moveTo(Rig::nowhere(), Qt::NoButton);
+            r.release(Rig::nowhere());
+        });
+        row("the button was let go unseen, the source gone", "", "N.x=none", "N.x=none", toDest,
+            [](Rig& r) {
+                r.carry(r.onEdge(0.97), Rig::nowhere());
+                r["S"]->destroy();
+                flushEvents();
+                r.moveTo(Rig::nowhere(), Qt::NoButton);
+            });
+
+        // Presses that pick nothing up
+        row("press on a locked edge", "N.x=S.o", "", "", "Non-reconnectable edge, x", [](Rig& r) {
+            r.m_Edge->setTags({QStringLiteral("_locked")});
+            r.drag(r.onEdge(0.97), Rig::nowhere());
+        });
+        row("press in the middle", "N.x=S.o", "", "", "",
+            [](Rig& r) { r.drag(r.onEdge(0.5), Rig::nowhere()); });
+        row("right press on the arrow", "N.x=S.o", "", "", "", [](Rig& r) {
+            r.press(r.onEdge(0.97), Qt::RightButton);
+            r.release(Rig::nowhere(), Qt::RightButton);
         });
 
-    // Presses that pick nothing up
-    row("press on a locked edge", "N.x=S.o", "", "", "Non-reconnectable edge, x", [](Rig& r) {
-        r.m_Edge->setTags({QStringLiteral("_locked")});
-        r.drag(r.onEdge(0.97), Rig::nowhere());
-    });
-    row("press in the middle", "N.x=S.o", "", "", "",
-        [](Rig& r) { r.drag(r.onEdge(0.5), Rig::nowhere()); });
-    row("right press on the arrow", "N.x=S.o", "", "", "", [](Rig& r) {
-        r.press(r.onEdge(0.97), Qt::RightButton);
-        r.release(Rig::nowhere(), Qt::RightButton);
-    });
+        // Pulled out of the input's port
+        row("port, reconnected", "N.x=R.a", "N.x=R.a", "Moved output N.x from S.o to R.a", "",
+            [](Rig& r) { r.pull(r.inPort("N", "x"), r.outPort("R", "a")); });
+        row("port of a free input", "N.x=S.o N.z=R.b", "N.z=R.b", "N.z=R.b", "",
+            [](Rig& r) { r.pull(r.inPort("N", "z"), r.outPort("R", "b")); });
+        row("port, dropped on nothing", "N.x=S.o", "", "", "",
+            [](Rig& r) { r.pull(r.inPort("N", "x"), Rig::nowhere()); });
+        row("port, cancelled over a target", "N.x=S.o", "", "", "",
+            [](Rig& r) { r.pull(r.inPort("N", "x"), r.outPort("R", "a"), Qt::RightButton); });
+        row("source dies while the port is pulled", "", "N.x=none", "N.x=none", "", [](Rig& r) {
+            r.carry(r.inPort("N", "x"), Rig::nowhere());
+            r["S"]->destroy();
+            flushEvents();
+            r.press(Rig::nowhere());
+        });
 
-    // Pulled out of the input's port
-    row("port, reconnected", "N.x=R.a", "N.x=R.a", "Moved output N.x from S.o to R.a", "",
-        [](Rig& r) { r.pull(r.inPort("N", "x"), r.outPort("R", "a")); });
-    row("port of a free input", "N.x=S.o N.z=R.b", "N.z=R.b", "N.z=R.b", "",
-        [](Rig& r) { r.pull(r.inPort("N", "z"), r.outPort("R", "b")); });
-    row("port, dropped on nothing", "N.x=S.o", "", "", "",
-        [](Rig& r) { r.pull(r.inPort("N", "x"), Rig::nowhere()); });
-    row("port, cancelled over a target", "N.x=S.o", "", "", "",
-        [](Rig& r) { r.pull(r.inPort("N", "x"), r.outPort("R", "a"), Qt::RightButton); });
-    row("source dies while the port is pulled", "", "N.x=none", "N.x=none", "", [](Rig& r) {
-        r.carry(r.inPort("N", "x"), Rig::nowhere());
-        r["S"]->destroy();
-        flushEvents();
-        r.press(Rig::nowhere());
-    });
+        // Pulled out of an output's port
+        row("output to an input", "M.y=S.o N.x=S.o", "M.y=S.o", "M.y=S.o", gone,
+            [](Rig& r) { r.pull(r.outPort("S", "o"), r.inPort("M", "y")); });
+        row("output, input from the menu", "M.w=S.o N.x=S.o", "M.w=S.o", "M.w=S.o", gone,
+            [](Rig& r) {
+                r.inMenu("w");
+                r.pull(r.outPort("S", "o"), r.header("M"));
+            });
+        row("output to nothing", "N.x=S.o", "", "", gone,
+            [](Rig& r) { r.pull(r.outPort("S", "o"), Rig::nowhere()); });
+        row("output, cancelled over a target", "N.x=S.o", "", "", gone,
+            [](Rig& r) { r.pull(r.outPort("S", "o"), r.inPort("M", "y"), Qt::RightButton); });
+        row("output to its own node", "N.x=S.o", "", "", gone,
+            [](Rig& r) { r.pull(r.outPort("S", "o"), r.header("S")); });
+        row("output, refused by the host", "N.x=S.o", "M.y!Odd", "", gone,
+            [](Rig& r) { r.pull(r.outPort("Odd", "o"), r.inPort("M", "y")); });
+        row("output's node dies", "", "", "", gone, [](Rig& r) {
+            r.carry(r.outPort("S", "o"), r.inPort("M", "y"));
+            r["S"]->destroy();
+            flushEvents();
+            r.press(Rig::nowhere());
+        });
 
-    // Pulled out of an output's port
-    row("output to an input", "M.y=S.o N.x=S.o", "M.y=S.o", "M.y=S.o", gone,
-        [](Rig& r) { r.pull(r.outPort("S", "o"), r.inPort("M", "y")); });
-    row("output, input from the menu", "M.w=S.o N.x=S.o", "M.w=S.o", "M.w=S.o", gone, [](Rig& r) {
-        r.inMenu("w");
-        r.pull(r.outPort("S", "o"), r.header("M"));
-    });
-    row("output to nothing", "N.x=S.o", "", "", gone,
-        [](Rig& r) { r.pull(r.outPort("S", "o"), Rig::nowhere()); });
-    row("output, cancelled over a target", "N.x=S.o", "", "", gone,
-        [](Rig& r) { r.pull(r.outPort("S", "o"), r.inPort("M", "y"), Qt::RightButton); });
-    row("output to its own node", "N.x=S.o", "", "", gone,
-        [](Rig& r) { r.pull(r.outPort("S", "o"), r.header("S")); });
-    row("output, refused by the host", "N.x=S.o", "M.y!Odd", "", gone,
-        [](Rig& r) { r.pull(r.outPort("Odd", "o"), r.inPort("M", "y")); });
-    row("output's node dies", "", "", "", gone, [](Rig& r) {
-        r.carry(r.outPort("S", "o"), r.inPort("M", "y"));
-        r["S"]->destroy();
-        flushEvents();
-        r.press(Rig::nowhere());
-    });
-
-    // Without the mouse
-    row("insertion", "K.in=S.o N.x=K.out", "K.in=S.o N.x=K.out", "Insert 'K' into 'S.o'-'N.x'", "",
-        [](Rig& r) { r.m_Edge->insertNodeIntoEdge(r["K"], r["K"]->input(QStringLiteral("in"))); });
-    row("insertion into a locked edge", "N.x=S.o", "", "", "Non-reconnectable edge, x", [](Rig& r) {
-        r.m_Edge->setTags({QStringLiteral("_locked")});
-        r.m_Edge->insertNodeIntoEdge(r["K"], r["K"]->input(QStringLiteral("in")));
-    });
-    row("source destroyed at rest", "", "", "", "", [](Rig& r) { r["S"]->destroy(); });
-}
-
-void tst_OrvNgEdgeDrag::edgeFollowsItsStateTable()
-{
-    QFETCH(Script, script);
-    QFETCH(QString, report);
-    Rig rig;
-    const DebugRecorder recorder;
-    script(rig);
-    flushEvents();
-    QTEST(rig.connections(), "connections");
-    QTEST(rig.m_Heard.join(QLatin1Char(' ')), "heard");
-    QTEST(Rig::undoTexts(), "undo");
-    QCOMPARE(recorder.messages().join(QLatin1Char('\n')).contains(report), true);
-    if (report.isEmpty())
-        QCOMPARE(recorder.messages(), QStringList());
-    QVERIFY(!rig.m_Scene.mouseGrabberItem());
-    for (const QGraphicsItem* item : rig.m_Scene.items()) {
-        const auto* edge = dynamic_cast<const OrvNgEdge*>(item);
-        QVERIFY(!edge || !edge->isDragging());
+        // Without the mouse
+        row("insertion", "K.in=S.o N.x=K.out", "K.in=S.o N.x=K.out", "Insert 'K' into 'S.o'-'N.x'",
+            "", [](Rig& r) {
+                r.m_Edge->insertNodeIntoEdge(r["K"], r["K"]->input(QStringLiteral("in")));
+            });
+        row("insertion into a locked edge", "N.x=S.o", "", "", "Non-reconnectable edge, x",
+            [](Rig& r) {
+                r.m_Edge->setTags({QStringLiteral("_locked")});
+                r.m_Edge->insertNodeIntoEdge(r["K"], r["K"]->input(QStringLiteral("in")));
+            });
+        row("source destroyed at rest", "", "", "", "", [](Rig& r) { r["S"]->destroy(); });
     }
-}
 
-void tst_OrvNgEdgeDrag::pick_choosesTheNearerEnd_data()
-{
-    QTest::addColumn<double>("length");
-    QTest::addColumn<double>("at"); // units below the source end
-    QTest::addColumn<QString>("picked");
-    const QString source = QStringLiteral("source");
-    const QString dest = QStringLiteral("dest");
-    QTest::newRow("halfway on a short edge") << 100.0 << 50.0 << dest;
-    QTest::newRow("just before halfway") << 100.0 << 49.0 << source;
-    QTest::newRow("a fifth of a long edge") << 1011.25 << 199.0 << source;
-    QTest::newRow("beyond a fifth of it") << 1011.25 << 201.0 << QString();
-    QTest::newRow("near the far end of it") << 1011.25 << 900.0 << dest;
-}
-
-void tst_OrvNgEdgeDrag::pick_choosesTheNearerEnd()
-{
-    struct Edge : OrvNgEdge
+    void edgeFollowsItsStateTable()
     {
-        using OrvNgEdge::getClosestNodeToMouseClick;
-        using OrvNgEdge::OrvNgEdge;
-        ~Edge() override { aboutToBeDestroyed(); }
-    };
-    QFETCH(double, length);
-    QFETCH(double, at);
-    OrvNgStyle& style = OrvNgStyle::instance();
-    const auto radius = style.getEdgeClickRadius();
-    const auto restore = qScopeGuard([&] { style.setEdgeClickRadius(radius); });
-    style.setEdgeClickRadius(60);
-    // The edge runs straight down between the boxes' facing sides, from (0, 1) on.
-    TestNode source(QStringLiteral("source"), QSizeF(2, 2));
-    TestNode dest(QStringLiteral("dest"), QSizeF(2, 2));
-    source.setPos(-1, -1);
-    dest.setPos(-1, length + 1);
-    Edge edge(true, &dest, false, {});
-    edge.setSourceNode(&source, QStringLiteral("o"));
-    OrvNgNode* picked = edge.getClosestNodeToMouseClick(QPointF(0, 1 + at));
-    QTEST(picked ? picked->text() : QString(), "picked");
-}
-
-void tst_OrvNgEdgeDrag::bodyDrop_offersWhatFits()
-{
-    Rig rig;
-    rig["N"]->updateInputTags(QStringLiteral("z"), {QStringLiteral("_hidden")});
-    rig["N"]->createInput(QStringLiteral("last"), false, {});
-    rig.inMenu("last");
-    rig.pull(rig.outPort("S", "o"), rig.header("N"));
-    QCOMPARE(rig.m_MenuEntries, QStringList({QStringLiteral("*x"), QStringLiteral("last")}));
-    QCOMPARE(rig.m_Heard, QStringList(QStringLiteral("N.last=S.o")));
-}
-
-void tst_OrvNgEdgeDrag::looseEnd_staysOnTheCursorWhileNodesMove()
-{
-    Rig rig;
-    rig.carry(rig.onEdge(0.97), Rig::nowhere());
-    rig["S"]->moveBy(40, 40);
-    rig["N"]->moveBy(-40, 0);
-    rig["S"]->setPortListMode(Node::PORT_LIST_T2B);
-    const QPainterPath path = rig.m_Edge->mainEdge()->path();
-    const double toCursor = QLineF(path.currentPosition(), Rig::nowhere()).length();
-    QVERIFY2(toCursor <= OrvNgEdge::kArrowSafeLength + 1.0, qPrintable(QString::number(toCursor)));
-    rig.release(rig.inPort("N", "x"));
-    QCOMPARE(rig.connections(), QStringLiteral("N.x=S.o"));
-}
-
-void tst_OrvNgEdgeDrag::slotsMayDestroyAnything_data()
-{
-    QTest::addColumn<Script>("act");
-    QTest::addColumn<QString>("afterConnecting"); // the slot runs when the first input has changed
-    const auto row = [](const char* name, const char* connections, const Script& act) {
-        QTest::newRow(name) << act << QString::fromLatin1(connections);
-    };
-    row("both nodes", "", [](Rig& r) {
-        r["N"]->destroy();
-        r["M"]->destroy();
-    });
-    row("the edge, at once", "M.y=S.o", [](Rig& r) { delete r.m_Edge; });
-    row("the nodes, at once", "", [](Rig& r) {
-        delete r["N"];
-        delete r["M"];
-        delete r["S"];
-    });
-    row("the scene's items", "", [](Rig& r) { r.m_Scene.clear(); });
-}
-
-void tst_OrvNgEdgeDrag::slotsMayDestroyAnything()
-{
-    QFETCH(Script, act);
-    QFETCH(QString, afterConnecting);
-    for (const bool inMenu : {false, true}) {
+        QFETCH(Script, script);
+        QFETCH(QString, report);
         Rig rig;
-        bool acted = false;
-        const auto once = [&] {
-            if (!std::exchange(acted, true))
-                act(rig);
-        };
-        if (inMenu) {
-            rig.inMenu("w", once);
-            rig.drag(rig.onEdge(0.97), rig.header("M"));
-        } else {
-            rig.m_OnHeard = once;
-            rig.drag(rig.onEdge(0.97), rig.inPort("M", "y"));
-        }
+        const DebugRecorder recorder;
+        script(rig);
         flushEvents();
-        QVERIFY(acted);
+        QTEST(rig.connections(), "connections");
+        QTEST(rig.m_Heard.join(QLatin1Char(' ')), "heard");
+        QTEST(Rig::undoTexts(), "undo");
+        QCOMPARE(recorder.messages().join(QLatin1Char('\n')).contains(report), true);
+        if (report.isEmpty())
+            QCOMPARE(recorder.messages(), QStringList());
         QVERIFY(!rig.m_Scene.mouseGrabberItem());
-        QCOMPARE(rig.connections(), inMenu ? QString() : afterConnecting);
+        for (const QGraphicsItem* item : rig.m_Scene.items()) {
+            const auto* edge = dynamic_cast<const OrvNgEdge*>(item);
+            QVERIFY(!edge || !edge->isDragging());
+        }
     }
-}
+
+    void bodyDrop_offersWhatFits()
+    {
+        Rig rig;
+        rig["N"]->updateInputTags(QStringLiteral("z"), {QStringLiteral("_hidden")});
+        rig["N"]->createInput(QStringLiteral("last"), false, {});
+        rig.inMenu("last");
+        rig.pull(rig.outPort("S", "o"), rig.header("N"));
+        QCOMPARE(rig.m_MenuEntries, QStringList({QStringLiteral("*x"), QStringLiteral("last")}));
+        QCOMPARE(rig.m_Heard, QStringList(QStringLiteral("N.last=S.o")));
+    }
+
+    void looseEnd_staysOnTheCursorWhileNodesMove()
+    {
+        Rig rig;
+        rig.carry(rig.onEdge(0.97), Rig::nowhere());
+        rig["S"]->moveBy(40, 40);
+        rig["N"]->moveBy(-40, 0);
+        rig["S"]->setPortListMode(Node::PORT_LIST_T2B);
+        const QPainterPath path = rig.m_Edge->mainEdge()->path();
+        const double toCursor = QLineF(path.currentPosition(), Rig::nowhere()).length();
+        QVERIFY2(
+            toCursor <= OrvNgEdge::kArrowSafeLength + 1.0, qPrintable(QString::number(toCursor)));
+        rig.release(rig.inPort("N", "x"));
+        QCOMPARE(rig.connections(), QStringLiteral("N.x=S.o"));
+    }
+
+    void slotsMayDestroyAnything_data()
+    {
+        QTest::addColumn<Script>("act");
+        QTest::addColumn<QString>(
+            "afterConnecting"); // the slot runs when the first input has changed
+        const auto row = [](const char* name, const char* connections, const Script& act) {
+            QTest::newRow(name) << act << QString::fromLatin1(connections);
+        };
+        row("both nodes", "", [](Rig& r) {
+            r["N"]->destroy();
+            r["M"]->destroy();
+        });
+        row("the edge, at once", "M.y=S.o", [](Rig& r) { delete r.m_Edge; });
+        row("the nodes, at once", "", [](Rig& r) {
+            delete r["N"];
+            delete r["M"];
+            delete r["S"];
+        });
+        row("the scene's items", "", [](Rig& r) { r.m_Scene.clear(); });
+    }
+
+    void slotsMayDestroyAnything()
+    {
+        QFETCH(Script, act);
+        QFETCH(QString, afterConnecting);
+        for (const bool inMenu : {false, true}) {
+            Rig rig;
+            bool acted = false;
+            const auto once = [&] {
+                if (!std::exchange(acted, true))
+                    act(rig);
+            };
+            if (inMenu) {
+                rig.inMenu("w", once);
+                rig.drag(rig.onEdge(0.97), rig.header("M"));
+            } else {
+                rig.m_OnHeard = once;
+                rig.drag(rig.onEdge(0.97), rig.inPort("M", "y"));
+            }
+            flushEvents();
+            QVERIFY(acted);
+            QVERIFY(!rig.m_Scene.mouseGrabberItem());
+            QCOMPARE(rig.connections(), inMenu ? QString() : afterConnecting);
+        }
+    }
+};
 
 QTEST_MAIN(tst_OrvNgEdgeDrag)
 #include "tst_OrvNgEdgeDrag.moc"

@@ -1,6 +1,5 @@
 #include "OrvNodeGraph/OrvNgEdgePens.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
-#include "support/TestTable.h"
 
 #include <QtTest>
 
@@ -25,18 +24,10 @@ OrvNgEdgePens::State only(bool OrvNgEdgePens::State::*flag)
 
 } // namespace
 
-Q_DECLARE_METATYPE(OrvNgEdgePens::State)
-
 class tst_OrvNgEdgePens : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    }
-
     void init()
     {
         // Numbered by their colours.
@@ -49,47 +40,37 @@ private Q_SLOTS:
             QVERIFY(OrvNgStyle::instance().setProperty(name, pen(++number)));
     }
 
-    void kindOfEdge_data()
+    void kindOfEdge_choosesItsThreePens()
     {
-        const TestTable<bool, bool, QString, QString, QString> row(
-            "preferred", "shared", "normal", "selected", "hover");
-        row("plain", false, false, "#000001", "#000002", "#000003");
-        row("preferred", true, false, "#000004", "#000005", "#000006");
-        row("shared", false, true, "#000007", "#000008", "#000009");
+        const auto colors = [](bool preferred, bool shared) {
+            OrvNgEdgePens pens;
+            pens.setup(preferred, shared, QColor(), {});
+            return QStringList{
+                colorName(pens.normal()), colorName(pens.selected()), colorName(pens.hover())};
+        };
+        const auto numbers = [](int first) {
+            return QStringList{
+                colorName(pen(first)), colorName(pen(first + 1)), colorName(pen(first + 2))};
+        };
+        QCOMPARE(colors(false, false), numbers(1));
+        QCOMPARE(colors(true, false), numbers(4));
+        QCOMPARE(colors(false, true), numbers(7));
     }
 
-    void kindOfEdge()
+    /// Debug beats severed, that bypassed, that activated, that clustered.
+    void states_beatEachOther()
     {
-        QFETCH(bool, preferred);
-        QFETCH(bool, shared);
-        OrvNgEdgePens pens;
-        pens.setup(preferred, shared, QColor(), {});
-        QTEST(colorName(pens.normal()), "normal");
-        QTEST(colorName(pens.selected()), "selected");
-        QTEST(colorName(pens.hover()), "hover");
-    }
-
-    void state_data()
-    {
-        const TestTable<OrvNgEdgePens::State, QString> row("state", "color");
-        OrvNgEdgePens::State state{true, true, true, true, true};
-        row("debug beats all", state, "#ff0000");
-        state.m_Debug = false;
-        row("severed beats bypassed", state, "#00000c");
-        state.m_Severed = false;
-        row("bypassed beats activated", state, "#00000a");
-        state.m_Bypassed = false;
-        row("activated beats clustered", state, "#00000b");
-        state.m_Activated = false;
-        row("clustered", state, "#62b3bc");
-    }
-
-    void state()
-    {
-        QFETCH(OrvNgEdgePens::State, state);
         OrvNgEdgePens pens;
         pens.setup(false, false, Qt::red, {});
-        QTEST(colorName(pens.forState(state)), "color");
+        OrvNgEdgePens::State state{true, true, true, true, true};
+        QStringList found(colorName(pens.forState(state)));
+        for (const auto flag : {&OrvNgEdgePens::State::m_Debug, &OrvNgEdgePens::State::m_Severed,
+                 &OrvNgEdgePens::State::m_Bypassed, &OrvNgEdgePens::State::m_Activated}) {
+            state.*flag = false;
+            found.append(colorName(pens.forState(state)));
+        }
+        QCOMPARE(found.join(QLatin1Char(' ')),
+            QStringLiteral("#ff0000 #00000c #00000a #00000b #62b3bc"));
     }
 
     void thin_halvesInACascade()

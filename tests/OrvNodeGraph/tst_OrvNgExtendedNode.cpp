@@ -1,7 +1,7 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
-#include "OrvNodeGraph/OrvNgView.h"
 #include "support/DebugRecorder.h"
 #include "support/ExtendedRig.h"
+#include "support/TestTable.h"
 
 #include <QFontMetrics>
 #include <QtTest>
@@ -44,30 +44,20 @@ class tst_OrvNgExtendedNode : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { QCoreApplication::setOrganizationName(QStringLiteral("OrvTests")); }
-
     // Modes
 
     void mode_decidesShownPortsAndBody_data()
     {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QStringList>("inputs");
-        QTest::addColumn<bool>("outputs");
-        QTest::addColumn<bool>("body");
+        const TestTable<int, bool, QStringList, bool, bool> row(
+            "mode", "connected", "inputs", "outputs", "body");
         const QStringList none;
-        QTest::newRow("expanded") << int(Node::PORT_LIST_EXPANDED) << true
-                                  << QStringList({kA, kB, kC}) << true << true;
-        QTest::newRow("top to bottom")
-            << int(Node::PORT_LIST_T2B) << true << none << false << false;
-        QTest::newRow("grouped") << int(Node::PORT_LIST_GROUPED) << false
-                                 << QStringList({kC, kGroup}) << true << true;
-        QTest::newRow("only connected, one")
-            << int(Node::PORT_LIST_ONLY_CONNECTED) << true << QStringList(kB) << false << true;
-        QTest::newRow("only connected, none")
-            << int(Node::PORT_LIST_ONLY_CONNECTED) << false << none << false << false;
-        QTest::newRow("collapsed")
-            << int(Node::PORT_LIST_COLLAPSED) << true << none << false << false;
+        row("expanded", int(Node::PORT_LIST_EXPANDED), true, QStringList({kA, kB, kC}), true, true);
+        row("top to bottom", int(Node::PORT_LIST_T2B), true, none, false, false);
+        row("grouped", int(Node::PORT_LIST_GROUPED), false, QStringList({kC, kGroup}), true, true);
+        row("only connected, one", int(Node::PORT_LIST_ONLY_CONNECTED), true, QStringList(kB),
+            false, true);
+        row("only connected, none", int(Node::PORT_LIST_ONLY_CONNECTED), false, none, false, false);
+        row("collapsed", int(Node::PORT_LIST_COLLAPSED), true, none, false, false);
     }
     void mode_decidesShownPortsAndBody()
     {
@@ -130,34 +120,23 @@ private Q_SLOTS:
 
     void badCall_isReportedAndChangesNothing_data()
     {
-        QTest::addColumn<Action>("action");
-        QTest::addColumn<QStringList>("reports"); // file's last word, message
-        const auto row = [](const char* tag, const Action& action, const QStringList& reports) {
-            QTest::newRow(tag) << action << reports;
-        };
-        const auto mode = [](int value) {
-            return [value](Node& n) { n.setPortListMode(static_cast<Node::PortListMode>(value)); };
-        };
+        const TestTable<Action, QStringList> row("action", "reports");
         const QString badIndex = QStringLiteral("Specified index is out of range");
         const QStringList badIndexTwice = {QStringLiteral("OrvNgExtendedNode: ") + badIndex,
             QStringLiteral("OrvNgNode: ") + badIndex};
         const auto own = [](const char* message) {
             return QStringList(QStringLiteral("OrvNgExtendedNode: ") + QLatin1String(message));
         };
-        row("mode below the first", mode(-1), own("No such port list mode : -1"));
-        row("mode after the last", mode(5), own("No such port list mode : 5"));
+        row(
+            "mode after the last",
+            [](Node& n) { n.setPortListMode(static_cast<Node::PortListMode>(5)); },
+            own("No such port list mode : 5"));
         row(
             "input index -1", [](Node& n) { n.removeInput(-1); }, badIndexTwice);
-        row(
-            "output index after the last", [](Node& n) { n.removeOutputPoint(2); }, badIndexTwice);
         row(
             "members of an unknown input cluster",
             [](Node& n) { QCOMPARE(n.inputClusterPortName2ClusterList(kA), QStringList()); },
             own("Such InputClusterPortName does not exist : a"));
-        row(
-            "members of an unknown output cluster",
-            [](Node& n) { QCOMPARE(n.outputClusterPortName2ClusterList(kOut), QStringList()); },
-            own("Such OutputClusterPortName does not exist : out"));
         row(
             "cluster named like an input",
             [](Node& n) {
@@ -165,22 +144,16 @@ private Q_SLOTS:
             },
             own("Cluster name is empty or taken : b"));
         row(
-            "cluster without a name",
-            [](Node& n) {
-                n.setInputPortClusterMap({{QString(), {kC}}, {kGroup, {kA}}});
-            },
-            own("Cluster name is empty or taken : "));
-        row(
             "input renamed to a taken name", [](Node& n) { n.renameInput(kA, kB); },
             own("Input name is taken : b"));
         row(
-            "output renamed to a taken name", [](Node& n) { n.renameOutputPoint(kOut, kRest); },
-            own("Output name is taken : rest"));
-        row("input made twice", [](Node& n) { n.createInput(kA, true, {}); },
-            {QStringLiteral("OrvNgNode: [ !! ] Input 'a' exists already on node ''")});
-        row("output made twice", [](Node& n) { n.createOutputPoint(kOut, true); }, {});
-        row("icon that does not exist", [](Node& n) { n.setIconVisible(true, 0); }, {});
-        row("port that does not exist", [](Node& n) { n.setInputPortVisible(kOuts, true); }, {});
+            "input made twice", [](Node& n) { n.createInput(kA, true, {}); },
+            QStringList(QStringLiteral("OrvNgNode: [ !! ] Input 'a' exists already on node ''")));
+        row(
+            "icon that does not exist", [](Node& n) { n.setIconVisible(true, 0); }, QStringList());
+        row(
+            "port that does not exist", [](Node& n) { n.setInputPortVisible(kOuts, true); },
+            QStringList());
     }
     void badCall_isReportedAndChangesNothing()
     {
@@ -230,7 +203,9 @@ private Q_SLOTS:
         rig.m_Node->setInputPortClusterMap({{kGroup, {kA}}});
         OrvNgPort* port = rig.m_Node->inputPort(kA);
         const QString renamed = QStringLiteral("renamed");
+        rig.connectInput(kA);
         rig.m_Node->renameInput(kA, renamed);
+        QCOMPARE(rig.m_Node->input(renamed)->sourceNode(), rig.m_Source);
         QCOMPARE(rig.m_Node->inputPort(renamed), port);
         QCOMPARE(port->text(), renamed);
         QVERIFY(rig.m_Node->inputExists(renamed));
@@ -246,10 +221,6 @@ private Q_SLOTS:
         const QString nice = QStringLiteral("Base Colour");
         node.setConnectionPrettyNames(
             {{late, nice}, {blank, QStringLiteral("  ")}, {kA, nice}}, {{blank, QString()}});
-        QCOMPARE(node.inputPortPrettyName(kC), QString());
-        QCOMPARE(node.outputPortPrettyName(blank), QStringLiteral("Output"));
-        QCOMPARE(node.inputPointPrettyName(kC), kC);
-
         node.createInput(late, false, {});
         node.createInput(blank, false, {});
         node.createOutputPoint(blank, true);
@@ -259,9 +230,6 @@ private Q_SLOTS:
         QCOMPARE(node.outputPort(blank)->text(), blank);
 
         QCOMPARE(node.inputPort(kA)->text(), kA);
-        node.refreshPrettyName(kA);
-        QCOMPARE(node.inputPort(kA)->text(), nice);
-        node.setInputConnectionPrettyNames({});
         node.refreshPrettyName(kA);
         QCOMPARE(node.inputPort(kA)->text(), nice);
     }
@@ -305,20 +273,6 @@ private Q_SLOTS:
         QVERIFY(!node.hasClusteredPorts() && !node.outputPort(kOuts) && node.outputPort(kOut));
         QCOMPARE(node.inputCount(), 3);
         QCOMPARE(node.outputPoints(), QStringList({kOut, kRest}));
-    }
-
-    void clusterToClusterEdge_isFreedForItsMembers()
-    {
-        ExtendedRig rig;
-        rig.m_Node->setInputPortClusterMap({{kGroup, {kA}}});
-        rig.m_Source->setOutputPortClusterMap({{kOuts, {kOut}}});
-        rig.m_Node->setClusteredInputEdgeSource(kA, rig.m_Source, kOut);
-        QCOMPARE(rig.m_Node->input(kA)->sourceNode(), rig.m_Source);
-        rig.setMode(Node::PORT_LIST_GROUPED);
-        QVERIFY(!rig.m_Node->input(kA)->isClustered()); // at one end only
-        rig.m_Source->setPortListMode(Node::PORT_LIST_GROUPED);
-        rig.m_Node->setClusteredInputEdgeSource(kA, nullptr, kOut);
-        QVERIFY(!rig.m_Node->input(kA)->sourceNode());
     }
 
     void labels_showOnePerBundleOrAllWithoutPorts()
@@ -372,35 +326,6 @@ private Q_SLOTS:
         QCOMPARE(node.inputPortSourcePos(kA), centre + QPointF(-10, -50));
     }
 
-    void header_growsWithTitleAndIcons()
-    {
-        Node node(nullptr);
-        node.setText(QString());
-        const OrvNgStyle& style = OrvNgStyle::instance();
-        QCOMPARE(node.nodeShapeRect().size(),
-            QSizeF(double(style.getMinimumNodeWidth()), double(style.getNodeHeight())));
-        QCOMPARE(node.boundingRect().height(), double(style.getNodeHeight()) + 10);
-
-        const QString longest(128, QLatin1Char('m'));
-        node.setText(longest);
-        const double width = node.nodeShapeRect().width();
-        QVERIFY(width > QFontMetrics(QFont()).horizontalAdvance(longest));
-        for (int i = 0; i < 3; ++i)
-            QCOMPARE(node.addIcon(QStringLiteral("NodeExpanded")), i);
-        QCOMPARE(node.nodeShapeRect().width(), width);
-        node.setIconVisible(true, 0);
-        node.setIconVisible(true, 2);
-        const int height = int(node.nodeShapeRect().height());
-        const int side = height - 2 * int(height * 0.1);
-        QCOMPARE(node.nodeShapeRect().width(),
-            width - double(style.getNodeShapeIndentX()) / 2 + 2 * side);
-
-        const QString tooLong(5000, QLatin1Char('m'));
-        node.setText(tooLong);
-        QVERIFY(node.nodeShapeRect().width() < width * 1.2);
-        QCOMPARE(node.text(), tooLong);
-    }
-
     void geometry_isRightWithoutEventLoopAndScene()
     {
         ExtendedRig rig;
@@ -447,62 +372,6 @@ private Q_SLOTS:
 
     // Picking, painting, deletion
 
-    void portUnderPos_findsInputsThenOutputs()
-    {
-        ExtendedRig rig;
-        Node& node = *rig.m_Node;
-        rig.setMode(Node::PORT_LIST_EXPANDED);
-        const QPointF onInput = rig.inputSquare(kB);
-        const QPointF onOutput = rig.outputSquare(kOut);
-        bool isOutput = true;
-        QCOMPARE(node.edgeForPortUnderPos(onInput, &isOutput), node.input(kB));
-        QVERIFY(!isOutput && !node.temporaryOutputEdge());
-        OrvNgEdge* pulled = node.edgeForPortUnderPos(onOutput, &isOutput);
-        QVERIFY(pulled && isOutput && pulled == node.temporaryOutputEdge());
-        QCOMPARE(pulled->sourceOutputPoint(), kOut);
-        QVERIFY(node.portForEdgeContains(pulled, onOutput));
-        QVERIFY(!node.portForEdgeContains(pulled, onInput));
-        QVERIFY(node.portForEdgeContains(node.input(kB), onInput));
-        QVERIFY(!node.portForEdgeContains(node.input(kA), onInput));
-        QVERIFY(!node.portForEdgeContains(nullptr, onInput));
-
-        QVERIFY(!node.edgeForPortUnderPos(onInput + QPointF(30, 0), nullptr));
-        node.updateInputTags(kB, {QStringLiteral("_locked")});
-        QVERIFY(!node.edgeForPortUnderPos(onInput, nullptr));
-        rig.setMode(Node::PORT_LIST_COLLAPSED);
-        QVERIFY(!node.edgeForPortUnderPos(rig.inputSquare(kA), nullptr));
-    }
-
-    void pressOnPort_pullsItsEdgeOut()
-    {
-        ExtendedRig rig;
-        rig.setMode(Node::PORT_LIST_EXPANDED);
-        QGraphicsView view(&rig.m_Scene);
-        view.resize(600, 400);
-        view.centerOn(rig.m_Node);
-        const QPoint onInput = view.mapFromScene(rig.inputSquare(kB));
-        OrvNgEdge* edge = rig.m_Node->input(kB);
-        QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::NoModifier, onInput);
-        QVERIFY(!edge->isDragging());
-        QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::NoModifier, onInput);
-        QVERIFY(edge->isGrabbedFromPort() && !edge->isGrabbed());
-        QCOMPARE(rig.m_Scene.mouseGrabberItem(), edge);
-        QVERIFY(rig.m_Node->isSelected());
-        const QPointF nodePos = rig.m_Node->pos();
-        QMouseEvent move(QEvent::MouseMove, onInput + QPoint(90, 40), Qt::NoButton, Qt::LeftButton,
-            Qt::NoModifier);
-        QApplication::sendEvent(view.viewport(), &move);
-        QCOMPARE(rig.m_Node->pos(), nodePos);
-        edge->releaseMouse(QPoint(), QPointF(), true);
-        if (QGraphicsItem* grabber = rig.m_Scene.mouseGrabberItem())
-            grabber->ungrabMouse();
-
-        QVERIFY(rig.m_Node->grabEdgeForPortUnderPos(rig.outputSquare(kOut)));
-        QVERIFY(rig.m_Node->temporaryOutputEdge()->isGrabbed());
-        QCOMPARE(rig.m_Scene.mouseGrabberItem(), rig.m_Node->temporaryOutputEdge());
-        QVERIFY(!rig.m_Node->grabEdgeForPortUnderPos(QPointF(-500, -500)));
-    }
-
     void selection_ringsBodyAndHeader()
     {
         ExtendedRig rig;
@@ -516,41 +385,6 @@ private Q_SLOTS:
         for (const QPointF& point : ring)
             QCOMPARE(pixel(rig, point), OrvNgStyle::instance().getSelectedNodeColor());
         QCOMPARE(pixel(rig, {bounds.center().x(), bounds.bottom() - 2}), QColor(64, 64, 64));
-    }
-
-    /// In a view that has painted and indexed them all, one after the other in each way.
-    void deletedNodes_leaveTheirNeighboursRight()
-    {
-        ExtendedRig rig;
-        OrvNgView view(nullptr);
-        view.setScene(&rig.m_Scene);
-        view.resize(300, 200);
-        view.show();
-        QList<QPointer<Node>> nodes;
-        for (int i = 0; i < 20; ++i) {
-            auto* node = new Node(nullptr);
-            rig.m_Scene.addItem(node);
-            ExtendedRig::addPoints(*node);
-            node->setPortListMode(Node::PORT_LIST_ONLY_CONNECTED);
-            if (i > 0)
-                node->input(kA)->setSourceNode(nodes.last(), kOut);
-            nodes.append(node);
-        }
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
-        view.viewport()->repaint();
-        for (int i = 0; i < nodes.size(); i += 2)
-            nodes.at(i)->destroy();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(nodes.at(0).isNull() && nodes.at(1));
-        QVERIFY(!nodes.at(1)->isInputPortVisible(kA) && !nodes.at(1)->isOutputPortVisible(kOut));
-        view.viewport()->repaint();
-        for (int i = 1; i < 10; i += 2)
-            delete nodes.at(i);
-        view.viewport()->repaint();
-        rig.m_Scene.clear();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(nodes.last().isNull());
-        QVERIFY(rig.m_Scene.items().isEmpty());
     }
 };
 

@@ -1,4 +1,5 @@
 #include "OrvNodeGraph/OrvNgHeaderLayout.h"
+#include "support/TestTable.h"
 
 #include <QtTest>
 
@@ -11,16 +12,11 @@ private Q_SLOTS:
     void contents_decideSize_data()
     {
         // Dimensions: padding 6 and 3, indent 10, minimum 100 × 25. Bare ends are therefore 5 wide.
-        QTest::addColumn<QSizeF>("title");
-        QTest::addColumn<double>("edgeSpan");
-        QTest::addColumn<double>("inputs");
-        QTest::addColumn<double>("outputs");
-        QTest::addColumn<double>("icons");
-        QTest::addColumn<bool>("button");
-        QTest::addColumn<QSizeF>("size");
-        const auto row = [](const char* tag, QSizeF title, double span, double in, double out,
-                             double icons, bool button, QSizeF size) {
-            QTest::newRow(tag) << title << span << in << out << icons << button << size;
+        const TestTable<QSizeF, double, double, double, double, bool, QSizeF> table(
+            "title", "edgeSpan", "inputs", "outputs", "icons", "button", "size");
+        const auto row = [&table](const char* tag, const QSizeF& title, double span, double in,
+                             double out, double icons, bool button, const QSizeF& size) {
+            table(tag, title, span, in, out, icons, button, size);
         };
         row("nothing: the minimum", {0, 0}, 0, 0, 0, 0, true, {100, 25});
         row("title decides", {200, 17}, 0, 0, 0, 0, true, {5 + 200 + 12 + 25, 25});
@@ -52,19 +48,6 @@ private Q_SLOTS:
             QRectF(leftEnd, 0, size.width() - leftEnd - rightEnd, size.height()));
         QCOMPARE(header.m_TitlePos + QPointF(title.width() / 2, title.height() / 2),
             header.m_TextArea.center());
-    }
-
-    void edgeSpan_reachesAroundOriginAndPoints()
-    {
-        EdgeSpan span;
-        QCOMPARE(span.width(), 0.0);
-        span.include(10);
-        QCOMPARE(span.width(), 50.0); // -15 to 35
-        span.include(40);
-        QCOMPARE(span.width(), 80.0); // -15 to 65
-        EdgeSpan farRight;
-        farRight.include(100);
-        QCOMPARE(farRight.width(), 125.0); // the origin counts
     }
 };
 

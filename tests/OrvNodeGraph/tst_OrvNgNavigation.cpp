@@ -2,10 +2,6 @@
 #include "support/TestTable.h"
 
 #include <QTest>
-#include <QTransform>
-
-#include <cmath>
-#include <limits>
 
 using Drag = OrvNgNavigation::Drag;
 Q_DECLARE_METATYPE(Drag)
@@ -57,59 +53,6 @@ private Q_SLOTS:
         // Where no pan starts, the base class sees no press, and the dropped modifiers mean
         // nothing.
         QCOMPARE(int(start.m_DroppedModifiers), dropped);
-    }
-
-    void zoomDrag_isExponentialInBothDirections_data()
-    {
-        const TestTable<QPoint, QSize, double> row("to", "size", "factor");
-        row("not moved", QPoint(50, 40), QSize(400, 200), 1.0);
-        row("half a width right", QPoint(250, 40), QSize(400, 200), std::exp(0.5));
-        row("a height down", QPoint(50, 240), QSize(400, 200), std::exp(-1.0));
-        row("both", QPoint(-50, 20), QSize(400, 200), std::exp(-0.25 + 0.1));
-        row("no size", QPoint(51, 40), QSize(0, 0), std::exp(1.0));
-    }
-
-    void zoomDrag_isExponentialInBothDirections()
-    {
-        QFETCH(QPoint, to);
-        QFETCH(QSize, size);
-        QFETCH(double, factor);
-        QCOMPARE(OrvNgNavigation::zoomDragFactor(QPoint(50, 40), to, size), factor);
-    }
-
-    void zoomAboutAPoint_keepsItWhereItIs()
-    {
-        const QPointF fixed(120, -30);
-        const QPointF center(100, 10);
-        const QPointF zoomed = OrvNgNavigation::centerZoomedAbout(fixed, center, 4.0);
-        QCOMPARE(zoomed, QPointF(115, -20));
-        QCOMPARE(4.0 * (fixed - zoomed), fixed - center);
-    }
-
-    void transform_isUsableWithinTheLimits_data()
-    {
-        const TestTable<QTransform, bool> row("transform", "usable");
-        const double nan = std::numeric_limits<double>::quiet_NaN();
-        const double infinity = std::numeric_limits<double>::infinity();
-        const auto scale = [](double x, double y) { return QTransform::fromScale(x, y); };
-        row("identity", QTransform(), true);
-        row("far in", scale(1e6, 1e6), true);
-        row("too far in", scale(1.01e6, 1.01e6), false);
-        row("far out", scale(1.01e-6, 1.01e-6), true);
-        row("too far out", scale(0.9e-6, 0.9e-6), false);
-        row("flat", scale(1.0, 0.0), false);
-        row("skewed flat", QTransform(1, 1, 1, 1, 0, 0), false);
-        row("not a number", scale(nan, nan), false);
-        row("infinitely far", QTransform::fromTranslate(infinity, 0.0), false);
-        row("mirrored", scale(-1.0, 1.0), true);
-        row("quarter turn", QTransform().rotate(90.0), true);
-    }
-
-    void transform_isUsableWithinTheLimits()
-    {
-        QFETCH(QTransform, transform);
-        QFETCH(bool, usable);
-        QCOMPARE(OrvNgNavigation::isUsable(transform), usable);
     }
 };
 

@@ -35,8 +35,6 @@ class tst_OrvNgNodeBrush : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
         OrvNgStyle& style = OrvNgStyle::instance();
         style.setCurrentPaintNodeBrush(gradient("#010101", "#020202"));
         style.setDefaultNodeBrush(gradient("#030303", "#040404"));

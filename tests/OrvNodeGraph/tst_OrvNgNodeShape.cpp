@@ -1,4 +1,3 @@
-#include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgNodeShape.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/TestTable.h"
@@ -13,27 +12,16 @@ class tst_OrvNgNodeShape : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
+    void givenShape_beatsTheCategorys()
     {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    }
-
-    void resolve_data()
-    {
-        const TestTable<int, QString, int> row("type", "category", "expected");
-        row("a given shape beats the category", 1, "Basic", 1);
-        row("category", 0, "Environment", 2);
-        row("broadcast", 0, "TeleportBroadcast", 8);
-        row("type too large", 9, "Geometry", 2);
-        row("no category", 0, "", 1);
-    }
-
-    void resolve()
-    {
-        QFETCH(int, type);
-        QFETCH(QString, category);
-        QTEST(static_cast<int>(OrvNgNodeShape::resolve(type, category)), "expected");
+        const auto shape = [](int type, const char* category) {
+            return static_cast<int>(OrvNgNodeShape::resolve(type, QLatin1String(category)));
+        };
+        QCOMPARE(shape(1, "Basic"), 1);
+        QCOMPARE(shape(0, "Environment"), 2);
+        QCOMPARE(shape(0, "TeleportBroadcast"), 8);
+        QCOMPARE(shape(9, "Geometry"), 2); // too large
+        QCOMPARE(shape(0, ""), 1);
     }
 
     void draw_data()

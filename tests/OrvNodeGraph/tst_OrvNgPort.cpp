@@ -2,8 +2,8 @@
 #include "OrvNodeGraph/OrvNgOutputPort.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/ExtendedRig.h"
+#include "support/TestTable.h"
 
-#include <QFontMetrics>
 #include <QGraphicsSimpleTextItem>
 #include <QtTest>
 
@@ -28,37 +28,6 @@ class tst_OrvNgPort : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { QCoreApplication::setOrganizationName(QStringLiteral("OrvTests")); }
-
-    void text_decidesSizeAndStandsCentred_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("bold");
-        QTest::newRow("empty: just the square") << QString() << false;
-        QTest::newRow("one line") << QStringLiteral("base colour") << false;
-        QTest::newRow("bold") << QStringLiteral("base colour") << true;
-        QTest::newRow("a line break counts as one line") << QStringLiteral("base\ncolour") << false;
-    }
-    void text_decidesSizeAndStandsCentred()
-    {
-        QFETCH(QString, text);
-        QFETCH(bool, bold);
-        ExtendedRig rig;
-        OrvNgInputPort input(rig.m_Node, text, kA, bold);
-        QCOMPARE(textOf(input)->font().bold(), bold);
-        QSizeF textSize(0, 0);
-        if (!text.isEmpty())
-            textSize = QFontMetrics(textOf(input)->font()).size(Qt::TextSingleLine, text);
-        const QSizeF size(textSize.width() + kSquareWidth, qMax(kSquareHeight, textSize.height()));
-        QCOMPARE(input.boundingRect(), QRectF(QPointF(), size));
-        QCOMPARE(input.minimumSize(), size);
-        QCOMPARE(input.maximumHeight(), size.height());
-        QCOMPARE(input.portRect(), QRectF(0, 0, kSquareWidth, kSquareHeight));
-        QCOMPARE(input.portCenterPos(), QPointF(6, 9));
-        QCOMPARE(textOf(input)->pos(),
-            QPointF(kSquareWidth + 2, (size.height() - textSize.height()) / 2));
-    }
-
     void stretchedOutput_keepsSquareAndTextAtTheRightEnd()
     {
         ExtendedRig rig;
@@ -96,21 +65,19 @@ private Q_SLOTS:
 
     void square_showsConnection_data()
     {
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QColor>("expected");
+        const TestTable<QString, int, QColor> row("input", "mode", "expected");
         const OrvNgStyle& style = OrvNgStyle::instance();
         const int expanded = OrvNgExtendedNode::PORT_LIST_EXPANDED;
         const int grouped = OrvNgExtendedNode::PORT_LIST_GROUPED;
         const QString empty = QStringLiteral("empty");
-        QTest::newRow("free input") << kA << expanded << style.getPortNoConnectionColor();
-        QTest::newRow("connected input") << kB << expanded << style.getPortColor();
-        QTest::newRow("cluster with a connected member, grouped")
-            << kGroup << grouped << style.getClusteredPortColor();
-        QTest::newRow("the same cluster, expanded")
-            << kGroup << expanded << style.getClusteredPortNoConnectionColor();
-        QTest::newRow("cluster without connection")
-            << empty << grouped << style.getClusteredPortNoConnectionColor();
+        row("free input", kA, expanded, style.getPortNoConnectionColor());
+        row("connected input", kB, expanded, style.getPortColor());
+        row("cluster with a connected member, grouped", kGroup, grouped,
+            style.getClusteredPortColor());
+        row("the same cluster, expanded", kGroup, expanded,
+            style.getClusteredPortNoConnectionColor());
+        row("cluster without connection", empty, grouped,
+            style.getClusteredPortNoConnectionColor());
     }
     void square_showsConnection()
     {
@@ -138,25 +105,6 @@ private Q_SLOTS:
         QCOMPARE(squareColor(*rig.m_Node->outputPort(kRest)), style.getPortNoConnectionColor());
         OrvNgInputPort stray(rig.m_Node, QString(), QStringLiteral("unknown"), false);
         QCOMPARE(squareColor(stray), style.getPortNoConnectionColor());
-    }
-
-    void colors_areReadAtConstruction()
-    {
-        ExtendedRig rig;
-        OrvNgStyle& style = OrvNgStyle::instance();
-        const QColor before = style.getPortNoConnectionColor();
-        OrvNgInputPort first(rig.m_Node, QString(), kA, false);
-        style.setPortNoConnectionColor(QColor(9, 8, 7));
-        OrvNgInputPort second(rig.m_Node, QString(), kA, false);
-        second.setGeometry(QRectF(0, 0, 150, kSquareHeight));
-        style.resetPortNoConnectionColor();
-        QCOMPARE(squareColor(first), before);
-        QCOMPARE(squareColor(second), QColor(9, 8, 7));
-
-        // The highlight reaches across the whole width.
-        QCOMPARE(painted(second).pixelColor(140, 9).alpha(), 0);
-        second.setMouseHovered(true);
-        QCOMPARE(painted(second).pixelColor(140, 9).alpha(), style.getPortHighlightColor().alpha());
     }
 };
 

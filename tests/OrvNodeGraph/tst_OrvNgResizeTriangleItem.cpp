@@ -1,14 +1,12 @@
 #include "OrvNodeGraph/OrvNgBackdropNode.h"
 #include "OrvNodeGraph/OrvNgBackdropNodeRectChangeUndo.h"
 #include "OrvNodeGraph/OrvNgResizeTriangleItem.h"
-#include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/TestTable.h"
 #include "support/ViewStage.h"
 
 #include "OrvCore/OrvUndoManager.h"
 #include "OrvCoreModules/OrvShaderNetworkManager.h"
 
-#include <QGraphicsPolygonItem>
 #include <QUndoStack>
 #include <QtTest>
 
@@ -62,12 +60,6 @@ class tst_OrvNgResizeTriangleItem : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    }
-
     void drag_movesTheCornerAndIsOneUndoStep_data()
     {
         const TestTable<int, QPoint, QRectF> row("corner", "offset", "frame");
@@ -104,32 +96,6 @@ private Q_SLOTS:
         QCOMPARE(stage.frame(), frame);
     }
 
-    void contents_stayAndAreCollectedWhileTheFrameGrows()
-    {
-        Stage stage;
-        OrvShaderNetworkManager::instance()->setSnapToGrid(false);
-        stage.m_Node->setPos(60, -20); // 100 by 40: sticks out on the right
-        const QPoint from = stage.handle(Qt::BottomRightCorner);
-        stage.press(from, Qt::LeftButton);
-        QVERIFY(stage.m_Frame->childrenList().isEmpty());
-        stage.move(from + QPoint(80, 0), Qt::LeftButton);
-        QCOMPARE(stage.m_Frame->childrenList().value(0).data(), stage.m_Node);
-        stage.move(from + QPoint(60, 0), Qt::LeftButton);
-        QVERIFY(stage.m_Frame->childrenList().isEmpty());
-        QCOMPARE(stage.m_Node->pos(), QPointF(60, -20));
-        stage.release(from, Qt::LeftButton);
-    }
-
-    void otherButtonsResizeNothing()
-    {
-        Stage stage;
-        const QRectF before = stage.frame();
-        stage.drag(Qt::TopLeftCorner, {20, 20}, Qt::RightButton);
-        stage.release(stage.handle(Qt::BottomRightCorner), Qt::LeftButton);
-        QCOMPARE(stage.frame(), before);
-        QCOMPARE(Stage::stack().count(), 0);
-    }
-
     void drag_thatLosesTheMouseIsTakenBack()
     {
         Stage stage;
@@ -140,53 +106,6 @@ private Q_SLOTS:
         QVERIFY(stage.frame() != before);
         stage.m_Frame->hide();
         QCOMPARE(stage.frame(), before);
-        QCOMPARE(Stage::stack().count(), 0);
-    }
-
-    // The frame's last placement, while nothing snaps, is the moment at which listeners can act.
-    void listeners_mayActWhileTheFrameIsPlaced_data()
-    {
-        const TestTable<bool, bool> row("deletes", "snapsBefore");
-        row("snapping on, which was off", false, false);
-        row("snapping on, which was on", false, true);
-        row("snapping on, and the frame deleted", true, true);
-    }
-    void listeners_mayActWhileTheFrameIsPlaced()
-    {
-        QFETCH(bool, deletes);
-        QFETCH(bool, snapsBefore);
-        Stage stage;
-        auto* grid = OrvShaderNetworkManager::instance();
-        grid->setSnapToGrid(snapsBefore);
-        bool heardSnap = snapsBefore;
-        QObject listener;
-        connect(grid, &OrvShaderNetworkManager::snapToGridChanged, &listener,
-            [&heardSnap](bool snap) { heardSnap = snap; });
-        const QPointer<OrvNgBackdropNode> frame(stage.m_Frame);
-        connect(frame, &OrvNgNode::posChanged, &listener, [&] {
-            QVERIFY(!grid->snapToGrid());
-            grid->setSnapToGrid(true);
-            if (deletes)
-                delete frame;
-        });
-        stage.drag(Qt::TopLeftCorner, {3, 3});
-        QCOMPARE(frame.isNull(), deletes);
-        QCOMPARE(grid->snapToGrid(), snapsBefore);
-        QCOMPARE(heardSnap, snapsBefore);
-    }
-
-    void listeners_mayDeleteTheFrameAtThePress()
-    {
-        Stage stage;
-        auto* nested = new OrvNgBackdropNode(nullptr);
-        stage.m_Scene.addItem(nested);
-        stage.m_Frame->resizeNode({300, 300});
-        nested->setPos(stage.m_Frame->pos() + QPointF(50, 50));
-        const QPointer<OrvNgBackdropNode> frame(stage.m_Frame);
-        nested->setZOrder(-3); // raised by the press
-        connect(nested, &OrvNgBackdropNode::zOrderChanged, nested, [&] { delete frame; });
-        stage.drag(Qt::TopLeftCorner, {3, 3});
-        QVERIFY(frame.isNull());
         QCOMPARE(Stage::stack().count(), 0);
     }
 
@@ -209,25 +128,6 @@ private Q_SLOTS:
         orphan.redo();
         QCOMPARE(orphan.text(), QStringLiteral("Resize node "));
         QVERIFY(stage->m_Scene.items().isEmpty());
-    }
-
-    void handle_showsHoverAndGoesBack()
-    {
-        const OrvNgStyle& style = OrvNgStyle::instance();
-        Stage stage;
-        QGraphicsPolygonItem* triangle = nullptr;
-        for (QGraphicsItem* child : stage.m_Frame->childItems()) {
-            if (dynamic_cast<OrvNgResizeTriangleItem*>(child) && !triangle)
-                triangle = dynamic_cast<QGraphicsPolygonItem*>(child->childItems().value(0));
-        }
-        QVERIFY(triangle);
-        QCOMPARE(triangle->polygon(), QPolygonF({{0, 0}, {0, 12}, {12, 0}}));
-        QCOMPARE(triangle->brush(), style.getBackdropNodeResizeHoverAreaBrush());
-        const QPoint over = stage.m_View.mapFromScene(stage.m_Frame->pos() + QPointF(3, 3));
-        stage.move(over, Qt::NoButton);
-        QCOMPARE(triangle->brush(), style.getSelectablePrefferedEdgePen().brush());
-        stage.move(over + QPoint(60, 60), Qt::NoButton);
-        QCOMPARE(triangle->brush(), style.getBackdropNodeResizeHoverAreaBrush());
     }
 };
 

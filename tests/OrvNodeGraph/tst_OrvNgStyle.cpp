@@ -1,7 +1,6 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/DebugRecorder.h"
 
-#include <OrvCore/OrvPreferenceManager.h>
 #include <OrvCore/OrvResourceInfo.h>
 
 #include <QDir>
@@ -10,8 +9,6 @@
 #include <QMetaProperty>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <cmath>
 
 using ColorPair = QPair<QColor, QColor>;
 
@@ -65,19 +62,6 @@ QMap<QString, QVariant> contents(const QString& path)
 QVariant value(const QObject& style, const QString& name)
 {
     return style.property(name.toLatin1().constData());
-}
-
-/// The contrast ratio of the Web Content Accessibility Guidelines, 1 to 21.
-double contrast(const QColor& a, const QColor& b)
-{
-    const auto channel = [](double value) {
-        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    const auto light = [&](const QColor& color) {
-        return 0.05 + 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF())
-            + 0.0722 * channel(color.blueF());
-    };
-    return qMax(light(a), light(b)) / qMin(light(a), light(b));
 }
 
 } // namespace
@@ -140,132 +124,54 @@ private Q_SLOTS:
         }
     }
 
-    void set_tellsChangesAndIgnoresWhatIsNotFinite()
-    {
-        OrvNgStyle style;
-        style.setNodeHeight(31.f);
-        const QSignalSpy changes(&style, &OrvNgStyle::NodeHeightChanged);
-        for (const double height : {31.0, qQNaN(), qInf(), 32.0})
-            style.setNodeHeight(float(height));
-        QCOMPARE(changes.size(), 1);
-        QCOMPARE(style.getNodeHeight(), 32.f);
-        QVERIFY(style.setProperty("SceneBackgroundColor", QColor(Qt::blue)));
-        QCOMPARE(style.getSceneBackgroundColor(), OrvColor(0.f, 0.f, 1.f, 1.f));
-    }
-
     void load_takesWhatPeopleWrite()
     {
         writeUserSheet("\xef\xbb\xbf[Edge]\r\nEdgeColor=(1,2,3,4)\r\nSelectedEdgeColor=5,6,7,8\r\n"
-                       "SeveredEdgeColor=\"(1,2,3,400)\"\r\n[NodeStateColors]\r\n"
+                       "SeveredEdgeColor=\"(1,2,3,400)\"\r\nActivatedEdgeColor=(1/2|3)\r\n"
+                       "EdgePenWidth=wide\r\n[NodeStateColors]\r\n"
                        "DefaultNodeColor=(1,2,3,4),(5,6,7,8)\r\n");
         OrvNgStyle style;
         QCOMPARE(style.getEdgeColor(), QColor(1, 2, 3, 4));
         QCOMPARE(style.getSelectedEdgeColor(), QColor(5, 6, 7, 8));
         QVERIFY(!style.getSeveredEdgeColor().isValid());
+        QCOMPARE(style.getActivatedEdgeColor(), QColor(1, 2, 3, 0));
+        QCOMPARE(style.getEdgePenWidth(), 0);
         QCOMPARE(style.getDefaultNodeColor(), ColorPair(QColor(1, 2, 3, 4), QColor(5, 6, 7, 8)));
         const auto stops = style.getDefaultNodeBrush().stops(); // derived from it
         QCOMPARE(stops, QGradientStops({{0.0, QColor(1, 2, 3, 4)}, {1.0, QColor(5, 6, 7, 8)}}));
         QCOMPARE(m_Recorder.messages(), QStringList());
     }
 
-    void defaultSheet_textIsReadableOnEveryColor()
-    {
-        const OrvNgStyle style;
-        const QColor text = style.getNodeTextColor();
-        const QColor scene = style.getSceneBackgroundColor().toQColor();
-        int checked = 0;
-        const auto check
-            = [&](const QString& name, const QColor& a, const QColor& b, double least) {
-                  ++checked;
-                  if (contrast(a, b) < least)
-                      QFAIL(qPrintable(QStringLiteral("%1: %2").arg(name).arg(contrast(a, b))));
-              };
-        for (const GoldenRow& row : goldenRows()) {
-            const QVariant color = value(style, row.name);
-            const bool isBypassed = row.name == QLatin1String("BypassedNodeColor");
-            const QColor& onNode = isBypassed ? style.getBypassedTextColor() : text;
-            if (row.type == QLatin1String("QPair<QColor,QColor>")) {
-                check(row.name, onNode, color.value<ColorPair>().first, 4.5);
-                check(row.name, onNode, color.value<ColorPair>().second, 4.5);
-            } else if (row.group == QLatin1String("CategoryColors")
-                || row.name == QLatin1String("CurrentPaintNodeColor")) {
-                const QColor node = color.value<OrvColor>().toQColor();
-                check(row.name, text, node, 4.5);
-                check(row.name + QStringLiteral(" in the scene"), node, scene, 1.3);
-            }
-        }
-        QCOMPARE(checked, 2 * 8 + 2 * 16);
-        for (const QColor& state : {style.getCachedNodeColor(), style.getBakedNodeColor(),
-                 style.getOutdatedBakedNodeColor()})
-            check(state.name(), text, state, 4.5);
-        for (const QColor& edge :
-            {style.getEdgeLabelColor(), style.getEdgeColor(), style.getSelectedEdgeColor()})
-            check(edge.name(), edge, scene, 4.5);
-        const int hovered = qRound(64 + (255 - 64) * style.getPortHighlightColor().alphaF());
-        for (const int body : {64, hovered})
-            check(QStringLiteral("Port"), style.getPortTextColor(), QColor(body, body, body), 4.5);
-    }
-
-    void preferences_areRegisteredInOrder()
-    {
-        const OrvNgStyle style;
-        QStringList registered;
-        for (const auto& preference : OrvPreferenceManager::instance().preferences()) {
-            if (preference.object != &style)
-                continue;
-            QCOMPARE(preference.page, QStringLiteral("Node Graph"));
-            registered.append(preference.section + QLatin1Char(':') + preference.propertyName);
-        }
-        QStringList expected;
-        for (const char* category : {"Basic", "Environment", "Filter", "Geometry", "Layer",
-                 "Lighting", "Math", "Misc", "Procedural", "Surface", "System", "Paint",
-                 "TeleportBroadcast", "TeleportReceiver", "CurrentPaint"})
-            expected.append(
-                QStringLiteral("Node Category Colors:%1NodeColor").arg(QLatin1String(category)));
-        for (const char* property : {"GridLinesColor", "GridLinesWidth", "SceneBackgroundColor"})
-            expected.append(QStringLiteral("Grid:") + QLatin1String(property));
-        QCOMPARE(registered, expected);
-    }
-
     void refresh_makesPens()
     {
-        OrvNgStyle source;
-        source.setEdgeColor(QColor(10, 0, 0));
-        source.setPrefferedEdgeColor(QColor(20, 0, 0)); // no pen's colour
-        source.setSelectedEdgeColor(QColor(30, 0, 0));
-        source.setSelectableEdgeColor(QColor(40, 0, 0));
-        source.setHighlightForNodeInsertEdgeColor(QColor(50, 0, 0));
-        source.setSeveredEdgeColor(QColor(60, 0, 0));
-        source.setActivatedEdgeColor(QColor(70, 0, 0));
-        source.setGridLinesColor({0.5f, 0.f, 0.f});
-        source.setEdgePenWidth(5);
-        source.setPrefferedEdgePenWidth(6);
-        source.setSharedEdgePenWidth(7); // no pen's width
-        source.setBypassedEdgePenWidth(8);
-        source.setGridLinesWidth(9);
-        Q_EMIT source.colorsUpdated();
-
+        OrvNgStyle style;
+        int number = 0;
+        for (const char* color : {"EdgeColor", "SelectedEdgeColor", "SelectableEdgeColor",
+                 "HighlightForNodeInsertEdgeColor", "SeveredEdgeColor", "ActivatedEdgeColor"})
+            style.setProperty(color, QColor(++number, 0, 0));
+        for (const char* width : {"EdgePenWidth", "PrefferedEdgePenWidth", "BypassedEdgePenWidth"})
+            style.setProperty(width, ++number);
+        Q_EMIT style.colorsUpdated();
         const struct
         {
             const char* m_Name;
             int m_Red, m_Width;
             Qt::PenStyle m_Style;
-        } pens[] = {{"NormalEdgePen", 10, 5, Qt::SolidLine},
-            {"PrefferedEdgePen", 10, 6, Qt::SolidLine}, {"SharedEdgePen", 10, 5, Qt::DotLine},
-            {"SelectedNormalEdgePen", 30, 5, Qt::SolidLine},
-            {"SelectedPrefferedEdgePen", 30, 6, Qt::SolidLine},
-            {"SelectedSharedEdgePen", 30, 5, Qt::DotLine},
-            {"SelectableNormalEdgePen", 40, 5, Qt::SolidLine},
-            {"SelectablePrefferedEdgePen", 40, 6, Qt::SolidLine},
-            {"SelectableSharedEdgePen", 40, 5, Qt::DotLine},
-            {"HighlightForNodeInsertPen", 50, 5, Qt::SolidLine},
-            {"SeveredEdgePen", 60, 5, Qt::DashDotDotLine},
-            {"BypassedEdgePen", 10, 8, Qt::SolidLine}, {"ActivatedEdgePen", 70, 5, Qt::SolidLine},
-            {"GridPen", 128, 9, Qt::SolidLine}};
+        } pens[] = {{"NormalEdgePen", 1, 7, Qt::SolidLine},
+            {"PrefferedEdgePen", 1, 8, Qt::SolidLine}, {"SharedEdgePen", 1, 7, Qt::DotLine},
+            {"SelectedNormalEdgePen", 2, 7, Qt::SolidLine},
+            {"SelectedPrefferedEdgePen", 2, 8, Qt::SolidLine},
+            {"SelectedSharedEdgePen", 2, 7, Qt::DotLine},
+            {"SelectableNormalEdgePen", 3, 7, Qt::SolidLine},
+            {"SelectablePrefferedEdgePen", 3, 8, Qt::SolidLine},
+            {"SelectableSharedEdgePen", 3, 7, Qt::DotLine},
+            {"HighlightForNodeInsertPen", 4, 7, Qt::SolidLine},
+            {"SeveredEdgePen", 5, 7, Qt::DashDotDotLine}, {"BypassedEdgePen", 1, 9, Qt::SolidLine},
+            {"ActivatedEdgePen", 6, 7, Qt::SolidLine}};
         for (const auto& expected : pens) {
             QPen pen(QColor(expected.m_Red, 0, 0), expected.m_Width, expected.m_Style,
                 Qt::SquareCap, Qt::BevelJoin);
-            QVERIFY2(source.property(expected.m_Name).value<QPen>() == pen, expected.m_Name);
+            QVERIFY2(style.property(expected.m_Name).value<QPen>() == pen, expected.m_Name);
         }
     }
 

@@ -2,7 +2,6 @@
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
-#include "support/DebugRecorder.h"
 #include "support/TestTable.h"
 #include "support/ViewStage.h"
 
@@ -10,7 +9,6 @@
 
 #include <QFocusEvent>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QUndoStack>
 
 #include <functional>
@@ -80,14 +78,7 @@ class tst_OrvNgViewMouse : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_Config;
-
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_Config.path()));
-        QCoreApplication::setOrganizationName(q("OrvTest"));
-    }
     void cleanup() { QVERIFY(QApplication::topLevelWidgets().isEmpty()); }
 
     void band_followsItsMode_data()
@@ -128,34 +119,21 @@ private Q_SLOTS:
         QTEST(sorted(selected()), "inBand");
     }
 
-    void band_survivesDeletedItems_data()
-    {
-        const TestTable<QString> row("kind");
-        row("node", "node");
-        row("the host's own item", "rectangle");
-        row("part of a node", "part");
-    }
-
     /// What was selected at the press goes while the band is open; then a slot deletes one of the
     /// nodes that one move selects.
     void band_survivesDeletedItems()
     {
-        QFETCH(QString, kind);
         ViewStage stage;
-        QGraphicsItem* doomed = stage.m_Node;
-        if (kind == q("rectangle"))
-            doomed = stage.m_Scene.addRect(100, 50, 20, 20);
-        else if (kind == q("part"))
-            doomed = stage.m_Node->box();
+        QGraphicsItem* rectangle = stage.m_Scene.addRect(100, 50, 20, 20);
         TestNode* kept = stage.add(q("K"), {150, 80});
-        doomed->setFlag(QGraphicsItem::ItemIsSelectable);
-        doomed->setSelected(true);
-        static_cast<QGraphicsItem*>(kept)->setSelected(true);
+        for (QGraphicsItem* item : {rectangle, static_cast<QGraphicsItem*>(stage.m_Node->box()),
+                 static_cast<QGraphicsItem*>(kept)}) {
+            item->setFlag(QGraphicsItem::ItemIsSelectable);
+            item->setSelected(true);
+        }
         stage.drag({{2, 2}, {20, 20}}, kShift);
-        if (kind == q("part"))
-            delete stage.m_Node; // and with it the part
-        else
-            delete doomed;
+        delete rectangle;
+        delete stage.m_Node; // and with it the part
         stage.move({25, 25}, Qt::LeftButton, kShift);
         QCOMPARE(texts(stage.m_View.sortedSelection()), q("K"));
 
@@ -258,18 +236,6 @@ private Q_SLOTS:
         stage.release({2, 199}, Qt::LeftButton);
     }
 
-    void lostRelease_freesTheDraggedNode()
-    {
-        ViewStage stage;
-        stage.drag({{200, 100}, {220, 110}});
-        QCOMPARE(stage.m_Scene.mouseGrabberItem(), stage.m_Node);
-        stage.move({230, 120}, Qt::NoButton);
-        QVERIFY(!stage.m_Scene.mouseGrabberItem());
-        stage.m_Node->grabMouse(); // the host carries it on purpose
-        stage.move({240, 120}, Qt::NoButton);
-        QCOMPARE(stage.m_Scene.mouseGrabberItem(), stage.m_Node);
-    }
-
     void hover_goesFromNodeToNode()
     {
         ViewStage stage;
@@ -369,29 +335,6 @@ private Q_SLOTS:
         QVERIFY(stage.m_View.isInteractive());
     }
 
-    /// The path is looked up in parts; what is found must not depend on how many there are.
-    void longPath_findsTheEdgesOfAShortOne()
-    {
-        CuttingStage stage;
-        QList<QPointF> points;
-        for (int x = -195; x <= 195; x += 3)
-            points.append(QPointF(x, 0));
-        const auto edges = stage.m_View.edgesCrossingPath({points.first(), points.last()});
-        QCOMPARE(edges.size(), 3);
-        QCOMPARE(stage.m_View.edgesCrossingPath(points), edges);
-        points.insert(40, QPointF(qQNaN(), 0));
-        QCOMPARE(stage.m_View.edgesCrossingPath(points), edges);
-    }
-
-    void cursorPathBounds_lieToTheRight()
-    {
-        TestView view;
-        const QList<QPointF> path{{0, 0}, {10, 20}};
-        QCOMPARE(view.cursorPathBounds(path, 5.0), QRectF(5, -5, 20, 30));
-        QCOMPARE(view.cursorPathBounds(path), QRectF(0, 0, 11, 21));
-        QCOMPARE(view.cursorPathBounds({{3, 3}}, 5.0), QRectF());
-    }
-
     void pickUpEdge_carriesAndDrops()
     {
         ViewStage stage;
@@ -422,18 +365,6 @@ private Q_SLOTS:
         }
         QVERIFY(!edge->isDragging());
         QVERIFY(!stage.m_Scene.mouseGrabberItem());
-    }
-
-    void setPosByViewportPos_placesTheOrigin()
-    {
-        ViewStage stage;
-        stage.m_View.zoomIn(2.0);
-        auto* child = new QGraphicsRectItem(0, 0, 5, 5, stage.m_Node);
-        stage.m_View.setPosByViewportPos(child, QPoint(300, 50));
-        QVERIFY(isNear(child->scenePos(), QPointF(50, -25)));
-        DebugRecorder recorder;
-        stage.m_View.setPosByViewportPos(nullptr, QPoint());
-        QCOMPARE(recorder.messages(), QStringList{q("item is NULL")});
     }
 };
 
