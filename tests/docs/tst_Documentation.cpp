@@ -1,13 +1,11 @@
 #include "OrvNodeGraph/OrvNgNode.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
-#include "support/TestTable.h"
 
 #include <OrvCore/OrvResourceInfo.h>
 
 #include <QDir>
 #include <QMetaProperty>
 #include <QRegularExpression>
-#include <QSet>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -15,13 +13,32 @@
 
 namespace {
 
-const QString kStyleSheet = QStringLiteral("docs/style-sheet.md");
-const QString kInteraction = QStringLiteral("docs/interaction.md");
+QString operator""_q(const char* text, std::size_t size)
+{
+    return QString::fromUtf8(text, int(size));
+}
+
+const QString kStyleSheet = "docs/style-sheet.md"_q;
+const QString kInteraction = "docs/interaction.md"_q;
+const QString kInBackticks = "`([^`\\n]+)`"_q;
+const QStringList kFromSheet{"file"_q, "read-only"_q};
 
 QString read(const QString& path)
 {
-    QFile file(QStringLiteral(ORV_SOURCE_DIR "/") + path);
+    QFile file(ORV_SOURCE_DIR "/"_q + path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// The texts of the folders' files, by name without ending.
+QHash<QString, QString> readAll(const QStringList& folders, const QString& pattern)
+{
+    QHash<QString, QString> texts;
+    for (const QString& folder : folders) {
+        const QDir dir(ORV_SOURCE_DIR "/src/"_q + folder);
+        for (const QFileInfo& file : dir.entryInfoList({pattern}))
+            texts.insert(file.baseName(), read("src/"_q + folder + u'/' + file.fileName()));
+    }
+    return texts;
 }
 
 QStringList matches(const QString& text, const QString& pattern)
@@ -35,7 +52,7 @@ QStringList matches(const QString& text, const QString& pattern)
 
 bool hasWord(const QString& text, const QString& word)
 {
-    return text.contains(QRegularExpression(QStringLiteral("\\b%1\\b").arg(word)));
+    return text.contains(QRegularExpression("\\b%1\\b"_q.arg(word)));
 }
 
 QStringList sorted(QStringList names)
@@ -44,87 +61,58 @@ QStringList sorted(QStringList names)
     return names;
 }
 
-/// A row of a table of a document: the heading it stands below, and its cells.
+/// A row of a table: the name that its first cell begins with, and what stands in backticks in its
+/// second. Below a heading in brackets, a group of the file, the name is "group/name".
 struct Row
 {
-    QString m_Heading;
-    QStringList m_Cells;
-
-    /// What stands in backticks in a cell.
-    QStringList code(int cell) const
-    {
-        return matches(m_Cells.value(cell), QStringLiteral("`([^`]+)`"));
-    }
+    QString m_Name;
+    QStringList m_Values;
 };
 
-/// The rows whose first cell begins with a backtick.
-QVector<Row> rowsOf(const QString& document)
+QVector<Row> rowsBelow(const QString& document, const QString& headingStart)
 {
     QVector<Row> rows;
     QString heading;
-    for (const QString& line : read(document).split(QLatin1Char('\n'))) {
-        if (line.startsWith(QLatin1Char('#')))
-            heading = line.section(QLatin1Char(' '), 1);
-        if (!line.startsWith(QLatin1String("| `")))
+    for (const QString& line : read(document).split(u'\n')) {
+        if (line.startsWith(u'#'))
+            heading = line.section(u' ', 1);
+        if (!line.startsWith("| `"_q) || !heading.startsWith(headingStart))
             continue;
-        QStringList cells = line.split(QLatin1Char('|')).mid(1);
-        for (QString& cell : cells)
-            cell = cell.trimmed();
-        rows.append({heading, cells});
+        QString name = matches(line.section(u'|', 1, 1), kInBackticks).value(0);
+        if (heading.startsWith(u'['))
+            name.prepend(heading.mid(1).chopped(1) + u'/');
+        rows.append({name, matches(line.section(u'|', 2, 2), kInBackticks)});
     }
     return rows;
 }
 
-QVector<Row> rowsBelow(const QString& document, const QString& heading)
+QStringList namesOf(const QVector<Row>& rows)
 {
-    QVector<Row> rows = rowsOf(document);
-    rows.erase(std::remove_if(rows.begin(), rows.end(),
-                   [&](const Row& row) { return row.m_Heading != heading; }),
-        rows.end());
-    return rows;
-}
-
-/// The rows of the key tables: their headings are the groups of the file, in brackets.
-QVector<Row> keyRows()
-{
-    QVector<Row> rows = rowsOf(kStyleSheet);
-    rows.erase(std::remove_if(rows.begin(), rows.end(),
-                   [](const Row& row) { return !row.m_Heading.startsWith(QLatin1Char('[')); }),
-        rows.end());
-    return rows;
-}
-
-QString groupAndKey(const Row& row)
-{
-    return row.m_Heading.mid(1, row.m_Heading.size() - 2) + QLatin1Char('/') + row.code(0).value(0);
+    QStringList names;
+    for (const Row& row : rows)
+        names += row.m_Name;
+    return sorted(names);
 }
 
 /// The names of the properties of a source ("file", "derived" …), with their group where they have one.
 QStringList properties(const QStringList& sources)
 {
     QStringList names;
-    const QString list = read(QStringLiteral("tests/data/style-properties.txt"));
-    for (const QString& line : list.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        const QStringList words = line.simplified().split(QLatin1Char(' '));
-        if (!line.startsWith(QLatin1Char('#')) && sources.contains(words.value(2))) {
-            const QString group = words.value(3) + QLatin1Char('/');
-            names += (group == QLatin1String("-/") ? QString() : group) + words.value(0);
-        }
+    for (const QString& line : read("tests/data/style-properties.txt"_q).split(u'\n')) {
+        const QStringList words = line.simplified().split(u' ');
+        if (!line.startsWith(u'#') && sources.contains(words.value(2)))
+            names += (words.value(3) == "-"_q ? QString() : words.value(3) + u'/') + words.at(0);
     }
-    return names;
+    return sorted(names);
 }
 
 QVariant styleValue(const QString& name)
 {
-    return OrvNgStyle::instance().property(name.toLatin1().constData());
-}
-
-/// Variants know how to compare brushes and pens, but not gradients.
-bool areEqual(const QVariant& a, const QVariant& b)
-{
-    return a.userType() == qMetaTypeId<QLinearGradient>()
-        ? a.value<QLinearGradient>() == b.value<QLinearGradient>()
-        : a == b;
+    const QVariant value = OrvNgStyle::instance().property(name.toLatin1().constData());
+    // Variants know how to compare brushes and pens, but not gradients.
+    return value.userType() == qMetaTypeId<QLinearGradient>()
+        ? QVariant(QBrush(value.value<QLinearGradient>()))
+        : value;
 }
 
 /// Another value of the same type.
@@ -137,48 +125,28 @@ QVariant otherThan(const QVariant& value)
         return color;
     if (value.userType() == qMetaTypeId<QPair<QColor, QColor>>())
         return QVariant::fromValue(qMakePair(color, color));
-    if (value.userType() == QMetaType::QPoint)
+    if (value.userType() == QMetaType::QPoint || value.userType() == QMetaType::QPointF)
         return QPoint(987, 654);
-    if (value.userType() == QMetaType::QPointF)
-        return QPointF(987, 654);
-    return value.userType() == QMetaType::Int ? QVariant(value.toInt() + 7)
-                                              : QVariant::fromValue(value.toFloat() + 7.F);
+    return value.toInt() + 7;
 }
 
 /// The public headers of the three libraries, by class.
 QHash<QString, QString> publicHeaders()
 {
-    QHash<QString, QString> headers;
-    const QString list = read(QStringLiteral("src/OrvNodeGraph/CMakeLists.txt"))
-                             .section(QStringLiteral("PUBLIC_HEADERS"), -1)
-                             .section(QStringLiteral("SOURCES"), 0, 0);
-    for (const QString& name : matches(list, QStringLiteral("(\\w+)\\.h")))
-        headers.insert(name, read(QStringLiteral("src/OrvNodeGraph/%1.h").arg(name)));
-    for (const char* library : {"OrvCore", "OrvCoreModules"}) {
-        const QString folder = QStringLiteral("src/%1/").arg(QLatin1String(library));
-        const QDir dir(QStringLiteral(ORV_SOURCE_DIR "/") + folder);
-        for (const QString& file : dir.entryList({QStringLiteral("*.h")}))
-            headers.insert(file.chopped(2), read(folder + file));
-    }
+    QHash<QString, QString> headers = readAll({"OrvCore"_q, "OrvCoreModules"_q}, "*.h"_q);
+    const QString list = read("src/OrvNodeGraph/CMakeLists.txt"_q)
+                             .section("PUBLIC_HEADERS"_q, -1)
+                             .section("SOURCES"_q, 0, 0);
+    for (const QString& name : matches(list, "(\\w+)\\.h"_q))
+        headers.insert(name, read("src/OrvNodeGraph/%1.h"_q.arg(name)));
     return headers;
 }
 
 QStringList signalsOf(const QString& header)
 {
-    const QString section
-        = header.section(QStringLiteral("Q_SIGNALS:"), 1)
-              .section(QRegularExpression(QStringLiteral("^(public|protected|private|\\};)"),
-                           QRegularExpression::MultilineOption),
-                  0, 0);
-    return matches(section, QStringLiteral("^    void (\\w+)\\("));
-}
-
-QStringList enumerators(const QString& header, const QString& name)
-{
-    const QString body = header.section(QStringLiteral("enum %1 ").arg(name), 1)
-                             .section(QLatin1Char('}'), 0, 0)
-                             .section(QLatin1Char('{'), 1);
-    return matches(body, QStringLiteral("^ +(\\w+)"));
+    const QRegularExpression end(
+        "^(public|protected|private|\\};)"_q, QRegularExpression::MultilineOption);
+    return matches(header.section("Q_SIGNALS:"_q, 1).section(end, 0, 0), "^    void (\\w+)\\("_q);
 }
 
 /// What a host meets while a user edits: signals, notify hooks, and the modes that they speak of.
@@ -187,43 +155,36 @@ QStringList hostFacingNames()
     QStringList names;
     const QHash<QString, QString> headers = publicHeaders();
     for (auto header = headers.begin(); header != headers.end(); ++header) {
-        if (!header.key().startsWith(QLatin1String("OrvNg"))
-            || header.key() == QLatin1String("OrvNgStyle"))
+        if (!header.key().startsWith("OrvNg"_q) || header.key() == "OrvNgStyle"_q)
             continue;
-        names += signalsOf(*header);
-        names += matches(*header, QStringLiteral("virtual void (notify\\w+)\\("));
-        for (const char* name :
-            {"OrvNgSelectMode", "PortListMode", "OrvNavigationMode", "OrvCursorTrackingMode"})
-            names += enumerators(*header, QLatin1String(name));
+        names += signalsOf(*header) + matches(*header, "virtual void (notify\\w+)\\("_q);
+        for (const QString& name : {"OrvNgSelectMode"_q, "PortListMode"_q, "OrvNavigationMode"_q,
+                 "OrvCursorTrackingMode"_q})
+            names += matches(
+                header->section("enum "_q + name + u' ', 1).section(u'}', 0, 0).section(u'{', 1),
+                "^ +(\\w+)"_q);
     }
-    names.removeDuplicates();
     return names;
 }
 
-/// Why a name that a document gives in backticks is wrong; empty when it is not.
-QString complaint(const QString& code, const QHash<QString, QString>& headers)
+/// Whether a name that a document gives in backticks is none of the code, or exists there.
+bool isRight(const QString& code, const QHash<QString, QString>& headers)
 {
-    static const QRegularExpression s_Member(QStringLiteral("^(Orv\\w+)(::(\\w+))?(\\(\\))?$"));
-    static const QRegularExpression s_Function(QStringLiteral("^(\\w+)\\(\\)$"));
+    static const QRegularExpression s_Member("^(Orv\\w+)(::(\\w+))?(\\(\\))?$"_q);
+    static const QRegularExpression s_Function("^(\\w+)\\(\\)$"_q);
     static const QRegularExpression s_Name(
-        QStringLiteral("^([A-Z]?[a-z]+[A-Z]\\w*|[A-Z]+(_[A-Z0-9]+)+|_[a-z]\\w*)$"));
-    const QString everything = QStringList(headers.values()).join(QLatin1Char('\n'));
+        "^([A-Z]?[a-z]+[A-Z]\\w*|[A-Z]+(_[A-Z0-9]+)+|_[a-z]\\w*)$"_q);
+    const QString everything = headers.values().join(u'\n');
 
     if (const auto member = s_Member.match(code); member.hasMatch()) {
-        const QString name = member.captured(1);
-        if (!headers.contains(name))
-            return hasWord(everything, name) ? QString() : QStringLiteral("no such class");
-        return member.captured(3).isEmpty() || hasWord(headers[name], member.captured(3))
-            ? QString()
-            : QStringLiteral("the class declares no such member");
+        const auto header = headers.find(member.captured(1));
+        if (header == headers.end())
+            return hasWord(everything, member.captured(1));
+        return member.captured(3).isEmpty() || hasWord(*header, member.captured(3));
     }
     if (const auto function = s_Function.match(code); function.hasMatch())
-        return everything.contains(function.captured(1) + QLatin1Char('('))
-            ? QString()
-            : QStringLiteral("no such function");
-    return !s_Name.match(code).hasMatch() || hasWord(everything, code)
-        ? QString()
-        : QStringLiteral("no such name");
+        return everything.contains(function.captured(1) + u'(');
+    return !s_Name.match(code).hasMatch() || hasWord(everything, code);
 }
 
 } // namespace
@@ -239,99 +200,73 @@ private Q_SLOTS:
     void initTestCase()
     {
         qputenv("XDG_CONFIG_HOME", m_Dir.path().toLocal8Bit());
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvDocumentationTest"));
-        const QString user
-            = m_Dir.filePath(QStringLiteral("OrvDocumentationTest/NodeGraphStyleSheetVer3.ini"));
-        QVERIFY(QDir(m_Dir.path()).mkpath(QFileInfo(user).path()));
-        QVERIFY(QFile::copy(
-            QStringLiteral(ORV_RESOURCES "/settings/DefaultNodeGraphStyleSheet.conf"), user));
-
-        QVERIFY(QDir(m_Dir.path()).mkpath(QStringLiteral("settings")));
-        QSettings sheet(m_Dir.filePath(QStringLiteral("settings/DefaultNodeGraphStyleSheet.conf")),
-            QSettings::IniFormat);
-        for (const Row& row : keyRows())
-            sheet.setValue(groupAndKey(row), row.code(1).value(0));
+        QCoreApplication::setOrganizationName("settings"_q);
+        QVERIFY(QDir(m_Dir.path()).mkpath("settings"_q));
+        QVERIFY(QFile::copy(ORV_RESOURCES "/settings/DefaultNodeGraphStyleSheet.conf"_q,
+            m_Dir.filePath("settings/NodeGraphStyleSheetVer3.ini"_q)));
+        QSettings sheet(
+            m_Dir.filePath("settings/DefaultNodeGraphStyleSheet.conf"_q), QSettings::IniFormat);
+        for (const Row& row : rowsBelow(kStyleSheet, "["_q))
+            sheet.setValue(row.m_Name, row.m_Values.value(0));
         sheet.sync();
         OrvResourceInfo::instance().setResourceRoot(m_Dir.path());
     }
 
-    void styleSheet_listsEveryKeyInItsGroup()
-    {
-        QStringList keys;
-        for (const Row& row : keyRows())
-            keys += groupAndKey(row);
-        QCOMPARE(sorted(keys),
-            sorted(properties({QStringLiteral("file"), QStringLiteral("read-only")})));
-    }
-
-    void styleSheet_givesTheDefaultsOfTheInstalledSheet()
+    void styleSheet_listsEveryKeyInItsGroupWithItsDefault()
     {
         OrvNgStyle& style = OrvNgStyle::instance();
-        for (const Row& row : keyRows()) {
-            const QByteArray name = row.code(0).value(0).toLatin1();
+        const QStringList keys = namesOf(rowsBelow(kStyleSheet, "["_q));
+        QCOMPARE(keys, properties(kFromSheet));
+        for (const QString& key : keys) {
+            const QByteArray name = key.section(u'/', 1).toLatin1();
             const QMetaObject* meta = style.metaObject();
             const QMetaProperty property = meta->property(meta->indexOfProperty(name.constData()));
             QSignalSpy changed(&style, property.notifySignal());
-            QVERIFY2(property.reset(&style), name.constData());
-            QVERIFY2(changed.isEmpty(), name.constData());
+            QVERIFY2(property.reset(&style) && changed.isEmpty(), name.constData());
         }
     }
 
     void styleSheet_saysWhatIsMadeOfWhat()
     {
         OrvNgStyle& style = OrvNgStyle::instance();
-        const QVector<Row> rows
-            = rowsBelow(kStyleSheet, QStringLiteral("Brushes and pens made of them"));
-        QStringList names;
-        for (const Row& row : rows)
-            names += row.code(0);
-        QStringList expected = properties({QStringLiteral("derived"), QStringLiteral("unset")});
+        const QVector<Row> rows = rowsBelow(kStyleSheet, "Brushes and pens made of them"_q);
+        QStringList expected = properties({"derived"_q, "unset"_q});
         for (const QByteArray& name : style.dynamicPropertyNames())
             expected += QString::fromLatin1(name);
-        QCOMPARE(sorted(names), sorted(expected));
+        QCOMPARE(namesOf(rows), sorted(expected));
 
-        for (const QString& path :
-            properties({QStringLiteral("file"), QStringLiteral("read-only")})) {
-            const QString key = path.section(QLatin1Char('/'), 1);
-            QVariantMap before;
-            for (const QString& name : qAsConst(names))
-                before.insert(name, styleValue(name));
+        for (const QString& path : properties(kFromSheet)) {
+            const QString key = path.section(u'/', 1);
+            QVariantList before;
+            for (const Row& row : rows)
+                before.append(styleValue(row.m_Name));
             const QVariant value = styleValue(key);
             style.setProperty(key.toLatin1().constData(), otherThan(value));
             Q_EMIT style.colorsUpdated();
-
-            QStringList changed, documented;
-            for (const Row& row : rows) {
-                const QString name = row.code(0).value(0);
-                if (!areEqual(before[name], styleValue(name)))
-                    changed += name;
-                if (row.code(1).contains(key))
-                    documented += name;
+            for (int i = 0; i < rows.size(); ++i) {
+                const bool isChanged = before.at(i) != styleValue(rows.at(i).m_Name);
+                QVERIFY2(isChanged == rows.at(i).m_Values.contains(key),
+                    qPrintable(key + " changes "_q + rows.at(i).m_Name));
             }
             style.setProperty(key.toLatin1().constData(), value);
             Q_EMIT style.colorsUpdated();
-            QVERIFY2(changed == documented,
-                qPrintable(key + QStringLiteral(" changes ") + changed.join(QLatin1Char(' '))));
         }
     }
 
     void styleSheet_givesTheFixedValues()
     {
-        QStringList names;
-        for (const Row& row : rowsBelow(kStyleSheet, QStringLiteral("Fixed values"))) {
-            const QString name = row.code(0).value(0);
-            names += name;
-            const QVariant value = styleValue(name);
+        const QVector<Row> rows = rowsBelow(kStyleSheet, "Fixed values"_q);
+        QCOMPARE(namesOf(rows), properties({"fixed"_q}));
+        for (const Row& row : rows) {
+            const QVariant value = styleValue(row.m_Name);
             const auto color = value.value<QColor>();
-            QCOMPARE(row.code(1).value(0),
-                value.userType() == QMetaType::QColor ? QStringLiteral("(%1,%2,%3,%4)")
-                                                            .arg(color.red())
-                                                            .arg(color.green())
-                                                            .arg(color.blue())
-                                                            .arg(color.alpha())
-                                                      : QString::number(value.toFloat()));
+            const QString channels = "(%1,%2,%3,%4)"_q.arg(color.red())
+                                         .arg(color.green())
+                                         .arg(color.blue())
+                                         .arg(color.alpha());
+            QCOMPARE(row.m_Values.value(0),
+                color.isValid() ? channels : QString::number(value.toFloat()));
         }
-        QCOMPARE(sorted(names), sorted(properties({QStringLiteral("fixed")})));
     }
 
     void interaction_describesWhatHostsMeet()
@@ -343,56 +278,41 @@ private Q_SLOTS:
             if (node.method(i).methodType() == QMetaMethod::Signal)
                 nodeSignals += QString::fromLatin1(node.method(i).name());
         }
-        QCOMPARE(signalsOf(publicHeaders()[QStringLiteral("OrvNgNode")]), nodeSignals);
+        QCOMPARE(signalsOf(publicHeaders()["OrvNgNode"_q]), nodeSignals);
 
-        const QString described
-            = matches(read(kInteraction), QStringLiteral("`([^`\\n]+)`")).join(QLatin1Char('\n'));
-        for (const QString& name : hostFacingNames())
-            QVERIFY2(hasWord(described, name), qPrintable(name + QStringLiteral(" is missing")));
-        for (const char* enumerator : {"SelectToggle", "PORT_LIST_T2B", "NavigationMinimap",
-                 "CURSOR_TRACKING_SHAKE", "notifyInputSourceChange"})
-            QVERIFY2(hostFacingNames().contains(QLatin1String(enumerator)), enumerator);
-    }
-
-    void everyNameGivenExists_data()
-    {
-        const TestTable<QString> document("document");
-        document("style sheet", kStyleSheet);
-        document("interaction", kInteraction);
+        const QString described = matches(read(kInteraction), kInBackticks).join(u'\n');
+        const QStringList names = hostFacingNames();
+        for (const QString& name : names)
+            QVERIFY2(hasWord(described, name), qPrintable(name + " is missing"_q));
+        for (const QString& name : {"SelectToggle"_q, "PORT_LIST_T2B"_q, "NavigationMinimap"_q,
+                 "CURSOR_TRACKING_SHAKE"_q, "notifyInputSourceChange"_q})
+            QVERIFY2(names.contains(name), qPrintable(name));
     }
 
     void everyNameGivenExists()
     {
-        QFETCH(QString, document);
         QHash<QString, QString> headers = publicHeaders();
         // Categories' brushes are properties that exist in the running program only.
         for (const QByteArray& name : OrvNgStyle::instance().dynamicPropertyNames())
-            headers[QStringLiteral("OrvNgStyle")] += QLatin1Char(' ') + QString::fromLatin1(name);
-        const QStringList names = matches(read(document), QStringLiteral("`([^`\\n]+)`"));
-        QVERIFY(names.size() > 50);
-        QStringList complaints;
-        for (const QString& name : names) {
-            const QString why = complaint(name, headers);
-            if (!why.isEmpty())
-                complaints += name + QStringLiteral(": ") + why;
+            headers["OrvNgStyle"_q] += u' ' + QString::fromLatin1(name);
+        QStringList wrong;
+        for (const QString& document : {kStyleSheet, kInteraction}) {
+            const QStringList names = matches(read(document), kInBackticks);
+            QVERIFY(names.size() > 50);
+            for (const QString& name : names)
+                wrong += isRight(name, headers) ? QStringList() : QStringList(name);
         }
-        complaints.removeDuplicates();
-        QVERIFY2(complaints.isEmpty(), qPrintable(complaints.join(QLatin1Char('\n'))));
+        QCOMPARE(wrong, QStringList());
     }
 
     void undoTexts_areThoseOfTheSources()
     {
-        QString sources;
-        const QDir dir(QStringLiteral(ORV_SOURCE_DIR "/src/OrvNodeGraph"));
-        for (const QString& file : dir.entryList({QStringLiteral("*.cpp")}))
-            sources += read(QStringLiteral("src/OrvNodeGraph/") + file);
-        const QVector<Row> rows = rowsBelow(kInteraction, QStringLiteral("Undo steps"));
-        QVERIFY(rows.size() > 1);
-        for (const Row& row : rows) {
-            QString literal = row.code(0).value(0);
-            literal.replace(QLatin1Char('"'), QLatin1String("\\\""));
-            QVERIFY2(sources.contains(QLatin1Char('"') + literal + QLatin1Char('"')),
-                qPrintable(literal));
+        const QString sources = readAll({"OrvNodeGraph"_q}, "*.cpp"_q).values().join(u'\n');
+        const QStringList texts = namesOf(rowsBelow(kInteraction, "Undo steps"_q));
+        QVERIFY(texts.size() > 1);
+        for (QString text : texts) {
+            text.replace("\""_q, "\\\""_q);
+            QVERIFY2(sources.contains(u'"' + text + u'"'), qPrintable(text));
         }
     }
 
