@@ -56,53 +56,42 @@ class tst_EditorPortColors : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void commonTypes_canBeToldApart_data();
-    void commonTypes_canBeToldApart();
-    void everyType_isSeenOnTheBody();
-    void connectedAndFree_canBeToldApart();
-};
+    void commonTypes_canBeToldApart_data()
+    {
+        const TestTable<bool, double> row("connected", "smallest");
+        row("connected", true, 22.0);
+        row("free", false, 15.0);
+    }
 
-void tst_EditorPortColors::commonTypes_canBeToldApart_data()
-{
-    const TestTable<bool, double> row("connected", "smallest");
-    row("connected", true, 22.0);
-    row("free", false, 15.0);
-}
-
-void tst_EditorPortColors::commonTypes_canBeToldApart()
-{
-    QFETCH(bool, connected);
-    QFETCH(double, smallest);
-    for (int i = 0; i < commonTypes().size(); ++i) {
-        for (int k = 0; k < i; ++k) {
-            const QString& first = commonTypes().at(i);
-            const QString& second = commonTypes().at(k);
-            const double apart = distance(EditorPortColors::color(first, connected),
-                EditorPortColors::color(second, connected));
-            QVERIFY2(apart >= smallest,
-                qPrintable(QStringLiteral("%1, %2: %3").arg(first, second).arg(apart)));
+    void commonTypes_canBeToldApart()
+    {
+        QFETCH(bool, connected);
+        QFETCH(double, smallest);
+        for (int i = 0; i < commonTypes().size(); ++i) {
+            for (int k = 0; k < i; ++k) {
+                const QString& first = commonTypes().at(i);
+                const QString& second = commonTypes().at(k);
+                const double apart = distance(EditorPortColors::color(first, connected),
+                    EditorPortColors::color(second, connected));
+                QVERIFY2(apart >= smallest,
+                    qPrintable(QStringLiteral("%1, %2: %3").arg(first, second).arg(apart)));
+            }
         }
     }
-}
 
-void tst_EditorPortColors::everyType_isSeenOnTheBody()
-{
-    const QColor body(64, 64, 64);
-    for (const QString& type : commonTypes()) {
-        QVERIFY2(distance(EditorPortColors::color(type, true), body) >= 35, qPrintable(type));
-        QVERIFY2(distance(EditorPortColors::color(type, false), body) >= 25, qPrintable(type));
+    void everyType_isSeenOnTheBody()
+    {
+        const QColor body(64, 64, 64);
+        for (const QString& type : commonTypes()) {
+            const QColor connected = EditorPortColors::color(type, true);
+            const QColor free = EditorPortColors::color(type, false);
+            QVERIFY2(distance(connected, body) >= 35, qPrintable(type));
+            QVERIFY2(distance(free, body) >= 25, qPrintable(type));
+            QVERIFY2(labOf(connected)[0] - labOf(free)[0] >= 10, qPrintable(type));
+        }
+        QVERIFY(distance(EditorPortColors::brokenColor(), body) >= 60);
     }
-    QVERIFY(distance(EditorPortColors::brokenColor(), body) >= 60);
-}
-
-void tst_EditorPortColors::connectedAndFree_canBeToldApart()
-{
-    for (const QString& type : commonTypes()) {
-        const QColor connected = EditorPortColors::color(type, true);
-        const QColor free = EditorPortColors::color(type, false);
-        QVERIFY2(labOf(connected)[0] - labOf(free)[0] >= 10, qPrintable(type));
-    }
-}
+};
 
 QTEST_GUILESS_MAIN(tst_EditorPortColors)
 #include "tst_EditorPortColors.moc"

@@ -117,17 +117,199 @@ class tst_EditorPreferencesDialog : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void input_reachesTheObject_andCancelPutsItBack_data();
-    void input_reachesTheObject_andCancelPutsItBack();
-    void wrongInput_keepsTheOldValue_data();
-    void wrongInput_keepsTheOldValue();
-    void colorDialog_isFollowed_untilItIsCancelled();
-    void reset_givesDefaultsOfWhatIsListed();
-    void changesElsewhere_areShown_andSurviveCancel();
-    void rows_comeAndGoWithTheirObjects();
-    void tabKey_goesDownTheRowsToTheButtons();
-    void ok_keepsTheStyleForTheNextStart();
+    void initTestCase()
+    {
+        QCoreApplication::setOrganizationName(QStringLiteral("OrvTest"));
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Folder.path());
+    }
+
+    void input_reachesTheObject_andCancelPutsItBack_data()
+    {
+        const TestTable<QByteArray, int, QString, QVariant> row("name", "field", "keys", "wanted");
+        row("whole number", "steps", 0, "14\n", QVariant(14));
+        row("double, of which more is kept than shown", "depth", 0, "2.5\n", QVariant(2.5));
+        row("switch", "loud", -1, " ", QVariant(true));
+        row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)));
+        row("first half of a point", "middle", 0, "0.5\n", QVariant(QPointF(0.5, 4.5)));
+        row("name of a colour", "ink", 0, "red\n", QVariant(QColor(255, 0, 0)));
+        row("colour with opacity", "paper", 0, "#ff800033\n",
+            QVariant::fromValue(OrvColor(QColor(255, 128, 0, 51))));
+        row("end of a gradient", "sky", 1, "#ffffff\n",
+            QVariant::fromValue(ColorPair(QColor(10, 20, 30), QColor(255, 255, 255))));
+        row("property without declaration", "late", 0, "9\n", QVariant(9));
+        row("finished by Cancel alone", "paper", 0, "#ff8000", QVariant());
+        row("number finished by Cancel alone", "depth", 0, "8", QVariant());
+    }
+
+    void input_reachesTheObject_andCancelPutsItBack()
+    {
+        QFETCH(QByteArray, name);
+        const char* property = name.constData();
+        QFETCH(int, field);
+        QFETCH(QString, keys);
+        QFETCH(QVariant, wanted);
+        Sample sample;
+        const QVariant before = sample.property(property);
+        EditorPreferencesDialog dialog;
+        show(&dialog);
+
+        if (field < 0)
+            QTest::keyClicks(rowOf(dialog, property)->findChild<QCheckBox*>(), keys);
+        else
+            type(fieldOf(dialog, property, field), keys);
+        QVERIFY(dialog.isVisible()); // Enter takes the input and no more
+        QVERIFY(isSame(sample.property(property), wanted.isValid() ? wanted : before));
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+        QVERIFY2(isSame(sample.property(property), before), qPrintable(dialog.message()));
+    }
+
+    void wrongInput_keepsTheOldValue_data()
+    {
+        const TestTable<QByteArray, QString, QString> row("name", "text", "named");
+        row("no colour", "paper", "zzz", "zzz");
+        row("five digits", "ink", "#12345", "#12345");
+        row("nothing", "ink", " ", "colour");
+        row("not taken by the object", "steps", "7", "7");
+    }
+
+    void wrongInput_keepsTheOldValue()
+    {
+        QFETCH(QByteArray, name);
+        const char* property = name.constData();
+        QFETCH(QString, text);
+        QFETCH(QString, named);
+        Sample sample;
+        const QVariant before = sample.property(property);
+        EditorPreferencesDialog dialog;
+        show(&dialog);
+        QLineEdit* field = fieldOf(dialog, property);
+        const QString shown = field->text();
+
+        type(field, text);
+        dialog.accept();
+        QVERIFY(dialog.isVisible()); // so that the message can be read
+        QVERIFY2(dialog.message().contains(named), qPrintable(dialog.message()));
+        QCOMPARE(field->text(), shown);
+        QVERIFY(isSame(sample.property(property), before));
+        type(fieldOf(dialog, "place"), QStringLiteral("elsewhere\n"));
+        QCOMPARE(dialog.message(), QString());
+        dialog.accept();
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(sample.m_Place, QStringLiteral("elsewhere"));
+    }
+
+    void colorDialog_isFollowed_untilItIsCancelled()
+    {
+        Sample sample;
+        EditorPreferencesDialog dialog;
+        show(&dialog);
+        const QLineEdit* field = fieldOf(dialog, "ink"); // before the colour dialog brings its own
+        rowOf(dialog, "ink")->findChild<EditorColorButton*>()->click();
+        auto* colors = dialog.findChild<QColorDialog*>();
+        QVERIFY(colors);
+        QVERIFY(colors->testOption(QColorDialog::ShowAlphaChannel));
+        colors->setCurrentColor(QColor(9, 8, 7, 6));
+        QCOMPARE(sample.m_Ink, QColor(9, 8, 7, 6));
+        QCOMPARE(field->text(), QStringLiteral("#09080706"));
+        colors->reject();
+        QCOMPARE(sample.m_Ink, QColor(1, 2, 3));
+    }
+
+    void reset_givesDefaultsOfWhatIsListed()
+    {
+        Sample sample;
+        Sample other;
+        QSignalSpy changes(&sample, &Sample::stepsChanged);
+        EditorPreferencesDialog dialog;
+        show(&dialog);
+        QCOMPARE(sample.steps(), 2); // finding the default leaves no trace
+        QCOMPARE(changes.count(), 0);
+        QVERIFY(!resetOf(dialog, "steps")->isHidden());
+        QVERIFY(resetOf(dialog, "ratio")->isHidden()); // no default is known
+        QVERIFY(rowOf(dialog, "fixed")->findChildren<QLineEdit*>().isEmpty());
+
+        resetOf(dialog, "steps")->click();
+        QCOMPARE(sample.steps(), 8);
+        QVERIFY(resetOf(dialog, "steps")->isHidden());
+        QCOMPARE(fieldOf(dialog, "steps")->text(), QStringLiteral("8"));
+        auto* search = dialog.findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
+        search->setText(QStringLiteral("COLORS sky"));
+        QVERIFY(!rowOf(dialog, "sky")->isHidden());
+        QVERIFY(rowOf(dialog, "ink")->isHidden());
+        dialog.resetPage();
+        QCOMPARE(other.steps(), 2); // it was not listed
+        search->clear();
+        dialog.resetPage();
+        QCOMPARE(other.steps(), 8);
+        dialog.reject();
+        QCOMPARE(sample.steps(), 2);
+        QCOMPARE(other.steps(), 2);
+    }
+
+    void changesElsewhere_areShown_andSurviveCancel()
+    {
+        Sample sample;
+        EditorPreferencesDialog dialog;
+        show(&dialog);
+        sample.setSteps(30);
+        sample.setProperty("late", 31);
+        QCOMPARE(fieldOf(dialog, "steps")->text(), QStringLiteral("30"));
+        QCOMPARE(fieldOf(dialog, "late")->text(), QStringLiteral("31"));
+        type(fieldOf(dialog, "late"), QStringLiteral("32\n"));
+        dialog.reject();
+        QCOMPARE(sample.steps(), 30); // never edited here
+        QCOMPARE(sample.property("late").toInt(), 31);
+    }
+
+    void rows_comeAndGoWithTheirObjects()
+    {
+        OrvNgStyle::instance(); // a page that stays
+        auto sample = std::make_unique<Sample>();
+        EditorPreferencesDialog dialog;
+        show(&dialog);
+        const auto* pages = dialog.findChild<QListWidget*>();
+        QCOMPARE(pages->count(), 2);
+        type(fieldOf(dialog, "ink"), QStringLiteral("blue")); // not finished
+        sample.reset();
+        QCOMPARE(pages->count(), 1);
+        QCOMPARE(pages->item(0)->text(), QStringLiteral("Node Graph"));
+        QVERIFY(!rowOf(dialog, "ink"));
+
+        Sample late;
+        QCOMPARE(pages->count(), 2);
+        type(fieldOf(dialog, "place"), QStringLiteral("new\n"));
+        QCOMPARE(late.m_Place, QStringLiteral("new"));
+        dialog.accept();
+        QVERIFY(!dialog.isVisible());
+    }
+
+    void ok_keepsTheStyleForTheNextStart()
+    {
+        const QColor wanted(18, 52, 86, 120);
+        OrvNgStyle& style = OrvNgStyle::instance();
+        const auto edit = [](EditorPreferencesDialog* dialog, const QString& color) {
+            show(dialog);
+            type(fieldOf(*dialog, "MathNodeColor"), color);
+            type(fieldOf(*dialog, "GridLinesWidth"), QStringLiteral("5\n"));
+        };
+        {
+            EditorPreferencesDialog dialog;
+            edit(&dialog, QStringLiteral("#123456"));
+            dialog.reject();
+            style.savePreferences();
+            QCOMPARE(OrvNgStyle().getGridLinesWidth(), 1);
+        }
+        EditorPreferencesDialog dialog;
+        edit(&dialog, QStringLiteral("#12345678"));
+        dialog.accept();
+        const OrvNgStyle next;
+        QCOMPARE(next.getMathNodeColor().toQColor(), wanted);
+        QCOMPARE(next.getGridPen().width(), 5);
+        QCOMPARE(
+            next.property("MathNodeBrush").value<QLinearGradient>().stops().constFirst().second,
+            wanted);
+    }
 
 private:
     /// Active, so that fields get and lose the focus.
@@ -139,225 +321,6 @@ private:
 
     QTemporaryDir m_Folder;
 };
-
-void tst_EditorPreferencesDialog::initTestCase()
-{
-    QCoreApplication::setOrganizationName(QStringLiteral("OrvTest"));
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Folder.path());
-}
-
-void tst_EditorPreferencesDialog::input_reachesTheObject_andCancelPutsItBack_data()
-{
-    const TestTable<QByteArray, int, QString, QVariant> row("name", "field", "keys", "wanted");
-    row("whole number", "steps", 0, "14\n", QVariant(14));
-    row("float", "ratio", 0, "1.25\n", QVariant(1.25F));
-    row("double, of which more is kept than shown", "depth", 0, "2.5\n", QVariant(2.5));
-    row("switch", "loud", -1, " ", QVariant(true));
-    row("text", "place", 0, "there\n", QVariant(QStringLiteral("there")));
-    row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)));
-    row("first half of a point", "middle", 0, "0.5\n", QVariant(QPointF(0.5, 4.5)));
-    row("name of a colour", "ink", 0, "red\n", QVariant(QColor(255, 0, 0)));
-    row("three digits without number sign", "ink", 0, "08f\n", QVariant(QColor(0, 136, 255)));
-    row("colour with opacity", "paper", 0, "#ff800033\n",
-        QVariant::fromValue(OrvColor(QColor(255, 128, 0, 51))));
-    row("end of a gradient", "sky", 1, "#ffffff\n",
-        QVariant::fromValue(ColorPair(QColor(10, 20, 30), QColor(255, 255, 255))));
-    row("property without declaration", "late", 0, "9\n", QVariant(9));
-    row("finished by Cancel alone", "paper", 0, "#ff8000", QVariant());
-    row("number finished by Cancel alone", "depth", 0, "8", QVariant());
-}
-
-void tst_EditorPreferencesDialog::input_reachesTheObject_andCancelPutsItBack()
-{
-    QFETCH(QByteArray, name);
-    const char* property = name.constData();
-    QFETCH(int, field);
-    QFETCH(QString, keys);
-    QFETCH(QVariant, wanted);
-    Sample sample;
-    const QVariant before = sample.property(property);
-    EditorPreferencesDialog dialog;
-    show(&dialog);
-
-    if (field < 0)
-        QTest::keyClicks(rowOf(dialog, property)->findChild<QCheckBox*>(), keys);
-    else
-        type(fieldOf(dialog, property, field), keys);
-    QVERIFY(dialog.isVisible()); // Enter takes the input and no more
-    QVERIFY(isSame(sample.property(property), wanted.isValid() ? wanted : before));
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QVERIFY(!dialog.isVisible());
-    QVERIFY2(isSame(sample.property(property), before), qPrintable(dialog.message()));
-}
-
-void tst_EditorPreferencesDialog::wrongInput_keepsTheOldValue_data()
-{
-    const TestTable<QByteArray, QString, QString> row("name", "text", "named");
-    row("no colour", "paper", "zzz", "zzz");
-    row("five digits", "ink", "#12345", "#12345");
-    row("nothing", "ink", " ", "colour");
-    row("not taken by the object", "steps", "7", "7");
-}
-
-void tst_EditorPreferencesDialog::wrongInput_keepsTheOldValue()
-{
-    QFETCH(QByteArray, name);
-    const char* property = name.constData();
-    QFETCH(QString, text);
-    QFETCH(QString, named);
-    Sample sample;
-    const QVariant before = sample.property(property);
-    EditorPreferencesDialog dialog;
-    show(&dialog);
-    QLineEdit* field = fieldOf(dialog, property);
-    const QString shown = field->text();
-
-    type(field, text);
-    dialog.accept();
-    QVERIFY(dialog.isVisible()); // so that the message can be read
-    QVERIFY2(dialog.message().contains(named), qPrintable(dialog.message()));
-    QCOMPARE(field->text(), shown);
-    QVERIFY(isSame(sample.property(property), before));
-    type(fieldOf(dialog, "place"), QStringLiteral("elsewhere\n"));
-    QCOMPARE(dialog.message(), QString());
-    dialog.accept();
-    QVERIFY(!dialog.isVisible());
-    QCOMPARE(sample.m_Place, QStringLiteral("elsewhere"));
-}
-
-void tst_EditorPreferencesDialog::colorDialog_isFollowed_untilItIsCancelled()
-{
-    Sample sample;
-    EditorPreferencesDialog dialog;
-    show(&dialog);
-    const QLineEdit* field = fieldOf(dialog, "ink"); // before the colour dialog brings its own
-    rowOf(dialog, "ink")->findChild<EditorColorButton*>()->click();
-    auto* colors = dialog.findChild<QColorDialog*>();
-    QVERIFY(colors);
-    QVERIFY(colors->testOption(QColorDialog::ShowAlphaChannel));
-    colors->setCurrentColor(QColor(9, 8, 7, 6));
-    QCOMPARE(sample.m_Ink, QColor(9, 8, 7, 6));
-    QCOMPARE(field->text(), QStringLiteral("#09080706"));
-    colors->reject();
-    QCOMPARE(sample.m_Ink, QColor(1, 2, 3));
-}
-
-void tst_EditorPreferencesDialog::reset_givesDefaultsOfWhatIsListed()
-{
-    Sample sample;
-    Sample other;
-    QSignalSpy changes(&sample, &Sample::stepsChanged);
-    EditorPreferencesDialog dialog;
-    show(&dialog);
-    QCOMPARE(sample.steps(), 2); // finding the default leaves no trace
-    QCOMPARE(changes.count(), 0);
-    QVERIFY(!resetOf(dialog, "steps")->isHidden());
-    QVERIFY(resetOf(dialog, "ratio")->isHidden()); // no default is known
-    QVERIFY(rowOf(dialog, "fixed")->findChildren<QLineEdit*>().isEmpty());
-
-    resetOf(dialog, "steps")->click();
-    QCOMPARE(sample.steps(), 8);
-    QVERIFY(resetOf(dialog, "steps")->isHidden());
-    QCOMPARE(fieldOf(dialog, "steps")->text(), QStringLiteral("8"));
-    auto* search = dialog.findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
-    search->setText(QStringLiteral("COLORS sky"));
-    QVERIFY(!rowOf(dialog, "sky")->isHidden());
-    QVERIFY(rowOf(dialog, "ink")->isHidden());
-    dialog.resetPage();
-    QCOMPARE(other.steps(), 2); // it was not listed
-    search->clear();
-    dialog.resetPage();
-    QCOMPARE(other.steps(), 8);
-    dialog.reject();
-    QCOMPARE(sample.steps(), 2);
-    QCOMPARE(other.steps(), 2);
-}
-
-void tst_EditorPreferencesDialog::changesElsewhere_areShown_andSurviveCancel()
-{
-    Sample sample;
-    EditorPreferencesDialog dialog;
-    show(&dialog);
-    sample.setSteps(30);
-    sample.setProperty("late", 31);
-    QCOMPARE(fieldOf(dialog, "steps")->text(), QStringLiteral("30"));
-    QCOMPARE(fieldOf(dialog, "late")->text(), QStringLiteral("31"));
-    type(fieldOf(dialog, "late"), QStringLiteral("32\n"));
-    dialog.reject();
-    QCOMPARE(sample.steps(), 30); // never edited here
-    QCOMPARE(sample.property("late").toInt(), 31);
-}
-
-void tst_EditorPreferencesDialog::rows_comeAndGoWithTheirObjects()
-{
-    OrvNgStyle::instance(); // a page that stays
-    auto sample = std::make_unique<Sample>();
-    EditorPreferencesDialog dialog;
-    show(&dialog);
-    const auto* pages = dialog.findChild<QListWidget*>();
-    QCOMPARE(pages->count(), 2);
-    type(fieldOf(dialog, "ink"), QStringLiteral("blue")); // not finished
-    sample.reset();
-    QCOMPARE(pages->count(), 1);
-    QCOMPARE(pages->item(0)->text(), QStringLiteral("Node Graph"));
-    QVERIFY(!rowOf(dialog, "ink"));
-
-    Sample late;
-    QCOMPARE(pages->count(), 2);
-    type(fieldOf(dialog, "place"), QStringLiteral("new\n"));
-    QCOMPARE(late.m_Place, QStringLiteral("new"));
-    dialog.accept();
-    QVERIFY(!dialog.isVisible());
-}
-
-void tst_EditorPreferencesDialog::tabKey_goesDownTheRowsToTheButtons()
-{
-    Sample sample;
-    EditorPreferencesDialog dialog;
-    Sample late;
-    show(&dialog);
-    dialog.findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly)
-        ->setText(QStringLiteral("sample steps"));
-    QStringList stops;
-    for (int i = 0; i < 9; ++i) {
-        QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
-        const QWidget* stop = dialog.focusWidget();
-        const auto* button = qobject_cast<const QAbstractButton*>(stop);
-        stops.append(
-            button ? button->text() : QString::fromLatin1(stop->metaObject()->className()));
-    }
-    const QString reset = resetOf(dialog, "steps")->text();
-    const QStringList wanted{QStringLiteral("QListWidget"), QStringLiteral("QDoubleSpinBox"), reset,
-        QStringLiteral("QDoubleSpinBox"), reset, QStringLiteral("Reset &Page"),
-        QStringLiteral("&OK"), QStringLiteral("&Cancel"), QStringLiteral("QLineEdit")};
-    QCOMPARE(stops, wanted);
-}
-
-void tst_EditorPreferencesDialog::ok_keepsTheStyleForTheNextStart()
-{
-    const QColor wanted(18, 52, 86, 120);
-    OrvNgStyle& style = OrvNgStyle::instance();
-    const auto edit = [](EditorPreferencesDialog* dialog, const QString& color) {
-        show(dialog);
-        type(fieldOf(*dialog, "MathNodeColor"), color);
-        type(fieldOf(*dialog, "GridLinesWidth"), QStringLiteral("5\n"));
-    };
-    {
-        EditorPreferencesDialog dialog;
-        edit(&dialog, QStringLiteral("#123456"));
-        dialog.reject();
-        style.savePreferences();
-        QCOMPARE(OrvNgStyle().getGridLinesWidth(), 1);
-    }
-    EditorPreferencesDialog dialog;
-    edit(&dialog, QStringLiteral("#12345678"));
-    dialog.accept();
-    const OrvNgStyle next;
-    QCOMPARE(next.getMathNodeColor().toQColor(), wanted);
-    QCOMPARE(next.getGridPen().width(), 5);
-    QCOMPARE(next.property("MathNodeBrush").value<QLinearGradient>().stops().constFirst().second,
-        wanted);
-}
 
 QTEST_MAIN(tst_EditorPreferencesDialog)
 #include "tst_EditorPreferencesDialog.moc"
