@@ -1,7 +1,9 @@
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
+#include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/DebugRecorder.h"
+#include "support/TestTable.h"
 #include "support/ViewStage.h"
 
 #include "OrvCore/OrvUndoManager.h"
@@ -9,6 +11,7 @@
 #include <QAction>
 #include <QGraphicsPathItem>
 #include <QMenu>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QUndoStack>
 
@@ -445,6 +448,40 @@ private Q_SLOTS:
             const auto* edge = dynamic_cast<const OrvNgEdge*>(item);
             QVERIFY(!edge || !edge->isDragging());
         }
+    }
+
+    void pick_choosesTheNearerEnd_data()
+    {
+        const TestTable<double, double, QString> row("length", "belowTheSource", "picked");
+        row("halfway on a short edge", 100.0, 50.0, "dest");
+        row("just before halfway", 100.0, 49.0, "source");
+        row("a fifth of a long edge", 1011.25, 199.0, "source");
+        row("beyond a fifth of it", 1011.25, 201.0, "");
+        row("near the far end of it", 1011.25, 900.0, "dest");
+    }
+    void pick_choosesTheNearerEnd()
+    {
+        struct Edge : OrvNgEdge
+        {
+            using OrvNgEdge::getClosestNodeToMouseClick;
+            using OrvNgEdge::OrvNgEdge;
+            ~Edge() override { aboutToBeDestroyed(); }
+        };
+        QFETCH(double, length);
+        QFETCH(double, belowTheSource);
+        OrvNgStyle& style = OrvNgStyle::instance();
+        const auto radius = style.getEdgeClickRadius();
+        const auto restore = qScopeGuard([&] { style.setEdgeClickRadius(radius); });
+        style.setEdgeClickRadius(60);
+        // The edge runs straight down between the boxes' facing sides, from (0, 1) on.
+        TestNode source(QStringLiteral("source"), QSizeF(2, 2));
+        TestNode dest(QStringLiteral("dest"), QSizeF(2, 2));
+        source.setPos(-1, -1);
+        dest.setPos(-1, length + 1);
+        Edge edge(true, &dest, false, {});
+        edge.setSourceNode(&source, QStringLiteral("o"));
+        OrvNgNode* picked = edge.getClosestNodeToMouseClick(QPointF(0, 1 + belowTheSource));
+        QTEST(picked ? picked->text() : QString(), "picked");
     }
 
     void bodyDrop_offersWhatFits()

