@@ -16,6 +16,7 @@
 #include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgNode.h>
+#include <OrvNodeGraph/OrvNgResizeTriangleItem.h>
 #include <cstdlib>
 
 namespace {
@@ -391,6 +392,10 @@ bool EditorView::cancelWhatHoldsTheMouse()
         return cancelCut();
     if (dynamic_cast<OrvNgNode*>(grabber))
         return cancelNodeDrag();
+    if (dynamic_cast<OrvNgResizeTriangleItem*>(grabber)) {
+        grabber->ungrabMouse(); // the handle takes back a resize that it cannot finish
+        return true;
+    }
     return m_BandPossible && cancelBand();
 }
 

@@ -123,6 +123,7 @@ private Q_SLOTS:
     void contents_moveByTheBackdropsWay();
     void clickOnAHandle_isNoStep();
     void style_isFollowedWithoutAStep();
+    void escape_givesAResizeUp();
     void doubleClick_asksForTheText_data();
     void doubleClick_asksForTheText();
     void color_isReadInBothForms_data();
@@ -343,6 +344,21 @@ void tst_EditorBackdrops::style_isFollowedWithoutAStep()
     QCOMPARE(own, QColor::fromRgbF(0.2, 0.4, 0.6));
     QCOMPARE(history().undoText(), QStringLiteral("Move node far"));
     QCOMPARE(differences(kNested, stage.m_Editor->text()), QStringLiteral("far:ypos"));
+}
+
+void tst_EditorBackdrops::escape_givesAResizeUp()
+{
+    Nested stage(m_File);
+    const QRectF before = stage.backdrop("outer")->sceneBoundingRect();
+    const QPoint corner = stage.atCorner("outer", Qt::BottomRightCorner);
+    stage.press(corner);
+    stage.move(corner + QPoint(60, 40));
+    QVERIFY(stage.backdrop("outer")->sceneBoundingRect() != before);
+    QTest::keyClick(&stage.m_View, Qt::Key_Escape);
+    stage.move(corner + QPoint(80, 40));
+    stage.release(corner + QPoint(80, 40));
+    QCOMPARE(stage.backdrop("outer")->sceneBoundingRect(), before);
+    QCOMPARE(history().count(), 0);
 }
 
 void tst_EditorBackdrops::doubleClick_asksForTheText_data()
