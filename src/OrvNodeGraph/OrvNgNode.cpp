@@ -869,6 +869,10 @@ void OrvNgNode::followScene()
     OrvNgSceneNodes::enter(this);
     QList<OrvNgEdge*> edges = m_Inputs;
     edges << m_VirtualInputEdge.data() << m_TemporaryOutputEdge.data();
+    for (OrvNgEdge* edge : qAsConst(m_Outputs)) {
+        if (edge->isUnconnectedStub())
+            edges << edge;
+    }
     for (OrvNgEdge* edge : qAsConst(edges)) {
         if (!edge || edge->scene() == scene())
             continue;

@@ -250,7 +250,12 @@ private Q_SLOTS:
         node->createOutputPoint(q("out"), true);
         node->addOutputEdge(q("out"));
         QCOMPARE(node->outputCount(), 1);
-        QVERIFY(node->doesEdgeBelongToThisNode(node->outputs().constFirst()));
+        OrvNgEdge* stub = node->outputs().constFirst();
+        QVERIFY(node->doesEdgeBelongToThisNode(stub));
+        scene.removeItem(node);
+        QVERIFY(!stub->scene());
+        scene.addItem(node);
+        QCOMPARE(stub->scene(), &scene);
         node->removeUnusedOutput(q("other"));
         QCOMPARE(node->outputCount(), 1);
         node->removeUnusedOutput(q("out"));
