@@ -4,7 +4,6 @@
 #include "support/ViewStage.h"
 
 #include <QPainter>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -56,14 +55,7 @@ class tst_OrvNgMinimap : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_Config;
-
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_Config.path()));
-        QCoreApplication::setOrganizationName(q("OrvTest"));
-    }
     void cleanup() { QVERIFY(QApplication::topLevelWidgets().isEmpty()); }
 
     void rect_isAFifthOfTheView_data()

@@ -198,8 +198,7 @@ private Q_SLOTS:
 
     void drag_highlightsNoOtherEdge_data()
     {
-        QTest::addColumn<Deed>("change");
-        const auto row = [](const char* tag, Deed change) { QTest::newRow(tag) << change; };
+        const TestTable<Deed> row("change");
         row("auto-insert is off", [](InsertionStage& s) { s.m_View.m_AutoInsert = false; });
         row("no probe", [](InsertionStage& s) { s.m_Node->setInsertionProbe(nullptr); });
         row("the probe is deleted", [](InsertionStage& s) { delete s.m_Probe; });
@@ -227,26 +226,21 @@ private Q_SLOTS:
         QVERIFY(!stage.isLit(stage.m_Edge));
     }
 
-    void kindsOfNodes_probeWithTheirMiddle()
+    void dots_probeWithTheirMiddle()
     {
         InsertionStage stage;
         delete stage.m_Node;
-        const QPointF middle = stage.middle(stage.m_Edge);
-        auto* extended = new OrvNgExtendedNode(nullptr);
         auto* dot = new OrvNgDotNode(nullptr);
-        for (OrvNgNode* node : std::initializer_list<OrvNgNode*>{extended, dot}) {
-            stage.m_Scene.addItem(node);
-            node->createInput(kIn, false, {});
-            node->createOutputPoint(kOut, true);
-            node->setPos(middle - node->nodeShapeRect().center());
-            const QPoint pos = stage.m_View.mapFromScene(middle);
-            stage.press(pos, Qt::LeftButton);
-            stage.move(pos + QPoint(1, 1), Qt::LeftButton);
-            QCOMPARE(node->highlightedEdge(), stage.m_Edge.data());
-            stage.move(pos + QPoint(0, 40), Qt::LeftButton);
-            QVERIFY(!node->highlightedEdge());
-            stage.release(pos + QPoint(0, 40), Qt::LeftButton);
-        }
+        stage.m_Scene.addItem(dot);
+        dot->createInput(kIn, false, {});
+        dot->createOutputPoint(kOut, true);
+        const QPointF middle = stage.middle(stage.m_Edge);
+        dot->setPos(middle - dot->nodeShapeRect().center());
+        const QPoint pos = stage.m_View.mapFromScene(middle);
+        stage.drag({pos, pos + QPoint(1, 1)});
+        QCOMPARE(dot->highlightedEdge(), stage.m_Edge.data());
+        stage.move(pos + QPoint(0, 40), Qt::LeftButton);
+        QVERIFY(!dot->highlightedEdge());
     }
 
     void drag_highlightsTheFrameThatHoldsTheNode()
@@ -281,11 +275,7 @@ private Q_SLOTS:
 
     void hostDeletesDuringADrag_data()
     {
-        QTest::addColumn<Deed>("deed");
-        QTest::addColumn<bool>("nodeLives");
-        const auto row = [](const char* tag, bool nodeLives, Deed deed) {
-            QTest::newRow(tag) << deed << nodeLives;
-        };
+        const TestTable<bool, Deed> row("nodeLives", "deed");
         row("the node", false, [](InsertionStage& s) { delete s.m_Node; });
         row("the node, later", false, [](InsertionStage& s) { s.m_Node->destroy(); });
         row("all items", false, [](InsertionStage& s) { s.m_Scene.clear(); });

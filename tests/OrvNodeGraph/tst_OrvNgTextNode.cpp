@@ -34,12 +34,6 @@ class tst_OrvNgTextNode : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    }
-
     void body_growsWithItsTextAndNotBelowTheMinimum_data()
     {
         const TestTable<QString, bool> row("text", "isWider");
@@ -58,8 +52,6 @@ private Q_SLOTS:
 
         auto* label = childOf<QGraphicsSimpleTextItem>(node);
         const QRectF body = node.boundingRect();
-        QCOMPARE(node.objectName(), text);
-        QCOMPARE(node.text(), text);
         QCOMPARE(body.width(),
             isWider ? label->boundingRect().width() + 6 : double(style.getMinimumNodeWidth()));
         QCOMPARE(

@@ -61,12 +61,6 @@ class tst_OrvNgUINode : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    }
-
     void label_isStoredShownAndFitted_data()
     {
         const TestTable<QString, QString, QString, bool> row(

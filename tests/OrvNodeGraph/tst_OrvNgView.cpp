@@ -5,7 +5,6 @@
 #include "OrvCoreModules/OrvShaderNetworkManager.h"
 
 #include <QPainter>
-#include <QTemporaryDir>
 
 #include <cmath>
 #include <functional>
@@ -85,15 +84,7 @@ class tst_OrvNgView : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_Config;
-
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_Config.path()));
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTest"));
-    }
-
     void cleanup()
     {
         QVERIFY(QApplication::topLevelWidgets().isEmpty());
@@ -167,18 +158,6 @@ private Q_SLOTS:
         QCOMPARE(stage.m_View.scaleNow(), to);
         QCOMPARE(stage.m_View.transform().m22(), to);
         QVERIFY(isNear(stage.m_View.center() * to, QPointF(0, 0), 0.01));
-    }
-
-    void fitInView_showsARectangleFarOff()
-    {
-        const QRectF rect(90000.3, -71.7, 61.5, 47.1);
-        ViewStage stage;
-        stage.m_Node->setPos(rect.center());
-        stage.m_View.init();
-        stage.m_View.fitInView(rect, Qt::KeepAspectRatio);
-        const double fitted = qMin(396 / rect.width(), 196 / rect.height());
-        QVERIFY(std::abs(stage.m_View.transform().m22() - fitted) < 1e-6 * fitted);
-        QVERIFY(isNear(stage.m_View.center(), rect.center()));
     }
 
     void centerViewOn_isExact()
@@ -268,18 +247,6 @@ private Q_SLOTS:
         QVERIFY(stage.isAtRest());
     }
 
-    void lostRelease_endsTheDrag()
-    {
-        for (const int modifiers : {0, kAlt}) {
-            ViewStage stage;
-            stage.press(QPoint(300, 150), Qt::MiddleButton, modifiers);
-            QFocusEvent lost(QEvent::FocusOut, Qt::PopupFocusReason);
-            QApplication::sendEvent(&stage.m_View, &lost);
-            QVERIFY(stage.isAtRest());
-            QVERIFY(stage.wheel(0, 120));
-        }
-    }
-
     void autoScroll_followsTheCursorAtTheBorders_data()
     {
         // The view is 400 by 200: its last pixels are 399 and 199.
@@ -329,15 +296,6 @@ private Q_SLOTS:
         const int stopped = stage.m_View.scrolled().x();
         QTest::qWait(120);
         QCOMPARE(stage.m_View.scrolled().x(), stopped);
-    }
-
-    void arrows_doNotScroll()
-    {
-        ViewStage stage;
-        const QPointF center = stage.m_View.center();
-        for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down})
-            QTest::keyClick(&stage.m_View, key);
-        QCOMPARE(stage.m_View.center(), center);
     }
 
     void resize_keepsTheCenter()
