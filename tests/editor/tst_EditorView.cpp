@@ -34,25 +34,210 @@ class tst_EditorView : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init()
+    {
+        m_Window = std::make_unique<QWidget>();
+        m_View = new OpenView(m_Window.get());
+        m_Other = new QWidget(m_Window.get());
+        m_Other->setFocusPolicy(Qt::StrongFocus);
+        auto* column = new QVBoxLayout(m_Window.get());
+        column->addWidget(m_View, 1);
+        column->addWidget(m_Other);
+        m_View->setScene(&m_Scene);
+        m_View->init();
+        m_Window->resize(641, 433);
+        m_Window->show();
+        m_Window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_Window.get()));
+        m_View->setFocus();
+    }
+
     void cleanup() { m_Window.reset(); }
 
-    void wheel_isGatheredToSteps_data();
-    void wheel_isGatheredToSteps();
-    void zoom_keepsThePointUnderTheMouse_data();
-    void zoom_keepsThePointUnderTheMouse();
-    void fingers_pan();
-    void heldKeys_endWithKeyOrFocus_data();
-    void heldKeys_endWithKeyOrFocus();
-    void cut_begunIsFinishedWithoutTheKey();
-    void tab_staysInTheGraph();
-    void band_takesBackdropsByTheTitleBar_data();
-    void band_takesBackdropsByTheTitleBar();
+    void wheel_isGatheredToSteps_data()
+    {
+        using Turns = QVector<QPoint>;
+        const TestTable<Turns, int> row("turns", "steps");
+        const QPoint pause(kPause, kPause);
+        row("a notch", Turns{{0, 120}}, 1);
+        row("a fine wheel", Turns(16, {0, 15}), 2);
+        row("less than a step", Turns(7, {0, 15}), 0);
+        row("the rest goes on", Turns{{0, 100}, {0, 100}, {0, 40}}, 2);
+        row("three at once", Turns{{0, -360}}, -3);
+        row("turned back", Turns{{0, 90}, {0, -60}, {0, -60}}, -1);
+        row("rested", Turns{{0, 90}, pause, {0, 90}}, 0);
+        row("each axis for itself", Turns{{60, 0}, {0, 60}, {60, 0}}, 1);
+    }
+
+    void wheel_isGatheredToSteps()
+    {
+        QFETCH(QVector<QPoint>, turns);
+        QFETCH(int, steps);
+        for (const QPoint& angle : qAsConst(turns)) {
+            if (angle == QPoint(kPause, kPause))
+                m_Time += 2000;
+            else
+                turn(angle);
+        }
+        QCOMPARE(qRound(this->steps() * 1000), steps * 1000);
+    }
+
+    void zoom_keepsThePointUnderTheMouse_data()
+    {
+        const TestTable<bool> row("byPinch");
+        row("wheel", false);
+        row("pinch", true);
+    }
+
+    void zoom_keepsThePointUnderTheMouse()
+    {
+        QFETCH(bool, byPinch);
+        m_View->lookAt({17.3, -8.9}, 0.73);
+        const QPointF kept = m_View->viewportTransform().inverted().map(QPointF(m_Mouse));
+        for (int i = 0; i < 20; ++i) {
+            const double before = m_View->transform().m11();
+            const bool isIn = i < 10;
+            if (byPinch)
+                pinch(isIn ? 0.1 : -0.1);
+            else
+                turn({0, isIn ? 120 : -120});
+            QCOMPARE(m_View->transform().m11() > before, isIn);
+            const QPointF drift = m_View->viewportTransform().map(kept) - m_Mouse;
+            QVERIFY2(drift.manhattanLength() < 0.1,
+                qPrintable(QString::number(drift.manhattanLength())));
+        }
+    }
+
+    void fingers_pan()
+    {
+        const QTransform before = m_View->viewportTransform();
+        const auto moved
+            = [&] { return m_View->viewportTransform().map(QPointF()) - before.map(QPointF()); };
+        turn({0, 240}, Qt::ScrollUpdate, {31, -12});
+        QCOMPARE(moved().toPoint(), QPoint(31, -12));
+        turn({-10, 20}, Qt::ScrollMomentum); // no pixels told
+        QCOMPARE(moved().toPoint(), QPoint(26, -2));
+        QCOMPARE(steps(), 0.0);
+        turn({0, 120}, Qt::ScrollUpdate, {0, 30}, Qt::ControlModifier);
+        QCOMPARE(qRound(steps() * 1000), 1000);
+    }
+
+    void heldKeys_endWithKeyOrFocus_data()
+    {
+        const TestTable<int, int> row("key", "meaning");
+        row("cut", int(Qt::Key_C), int(EditorView::HeldCut));
+        row("dots", int(Qt::Key_D), int(EditorView::HeldDot));
+        row("place", int(Qt::Key_S), int(EditorView::HeldPlace));
+    }
+
+    void heldKeys_endWithKeyOrFocus()
+    {
+        QFETCH(int, key);
+        QFETCH(int, meaning);
+        const auto press
+            = [&](bool isPress, bool isRepeated, Qt::KeyboardModifiers modifiers = {}) {
+                  QKeyEvent event(isPress ? QEvent::KeyPress : QEvent::KeyRelease, key, modifiers,
+                      {}, isRepeated);
+                  QCoreApplication::sendEvent(m_View, &event);
+              };
+        const auto isOn = [&] {
+            const bool isHeld = m_View->heldKeys() == EditorView::HeldKeys(meaning);
+            const bool isCutting
+                = m_View->cursorTrackingMode() == OrvNgView::CURSOR_TRACKING_SEVER_EDGES;
+            return isHeld && isCutting == (meaning == EditorView::HeldCut)
+                && m_View->isAutoInsertOn() == (meaning != EditorView::HeldPlace);
+        };
+        const auto isOff = [&] {
+            return !m_View->heldKeys() && m_View->isAutoInsertOn()
+                && m_View->cursorTrackingMode() == OrvNgView::CURSOR_TRACKING_NONE;
+        };
+        press(true, false, Qt::ControlModifier);
+        QVERIFY(isOff());
+        press(true, false);
+        QVERIFY(isOn());
+        press(false, true); // held down, a key repeats both
+        press(true, true);
+        QVERIFY(isOn());
+        press(false, false); // X11 does not always say that it repeats
+        press(true, false);
+        QTest::qWait(150);
+        QVERIFY(isOn());
+        press(false, false);
+        QTRY_VERIFY_WITH_TIMEOUT(isOff(), 1000);
+
+        press(true, false);
+        m_Other->setFocus();
+        QVERIFY(isOff());
+        m_View->setFocus();
+        press(true, true); // still down: it takes a new press
+        QVERIFY(isOff());
+    }
+
+    void cut_begunIsFinishedWithoutTheKey()
+    {
+        QTest::keyPress(m_View, Qt::Key_C);
+        QTest::mousePress(m_View->viewport(), Qt::LeftButton, {}, {50, 50});
+        QTest::keyRelease(m_View, Qt::Key_C);
+        QTRY_VERIFY(!m_View->heldKeys());
+        QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
+        QTest::mouseRelease(m_View->viewport(), Qt::LeftButton, {}, {90, 50});
+        QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_NONE);
+    }
+
+    void band_takesBackdropsByTheTitleBar_data()
+    {
+        // In the backdrop's coordinates; its title bar ends at 0.
+        const TestTable<QPoint, QPoint, bool> row("from", "to", "isTaken");
+        row("inside the body", QPoint(40, 90), QPoint(160, 130), false);
+        row("across the lower border", QPoint(40, 90), QPoint(160, 190), false);
+        row("into the title bar", QPoint(40, 90), QPoint(160, -4), true);
+        row("around all of it", QPoint(-60, -80), QPoint(300, 250), true);
+    }
+
+    void band_takesBackdropsByTheTitleBar()
+    {
+        QFETCH(QPoint, from);
+        QFETCH(QPoint, to);
+        QFETCH(bool, isTaken);
+        auto backdrop = std::make_unique<OrvNgBackdropNode>(nullptr);
+        m_Scene.addItem(backdrop.get());
+        backdrop->setLabel(QString());
+        backdrop->resizeNode({200, 150});
+        m_View->lookAt(backdrop->sceneBoundingRect().center(), 1);
+        const QPointF body(0, double(backdrop->titleBarHeight()));
+        const auto viewPos = [&](const QPoint& pos) {
+            return m_View->mapFromScene(backdrop->mapToScene(body + pos));
+        };
+        const auto mouse = [&](QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons) {
+            QWidget* viewport = m_View->viewport();
+            QMouseEvent event(type, viewPos(pos), viewport->mapToGlobal(viewPos(pos)),
+                type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &event);
+        };
+        mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
+        mouse(QEvent::MouseMove, (from + to) / 2, Qt::LeftButton);
+        mouse(QEvent::MouseMove, to, Qt::LeftButton);
+        mouse(QEvent::MouseButtonRelease, to, Qt::NoButton);
+        QCOMPARE(backdrop->isSelected(), isTaken);
+    }
 
 private:
     void turn(const QPoint& angle, Qt::ScrollPhase phase = Qt::NoScrollPhase,
-        const QPoint& pixels = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    void pinch(double value);
+        const QPoint& pixels = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QWheelEvent event(m_Mouse, m_View->viewport()->mapToGlobal(m_Mouse), pixels, angle,
+            Qt::NoButton, modifiers, phase, false);
+        event.setTimestamp(m_Time += 10);
+        QCoreApplication::sendEvent(m_View->viewport(), &event);
+    }
+
+    void pinch(double value)
+    {
+        QNativeGestureEvent event(
+            Qt::ZoomNativeGesture, nullptr, m_Mouse, m_Mouse, m_Mouse, value, 0, 0);
+        QCoreApplication::sendEvent(m_View->viewport(), &event);
+    }
+
     double steps() const { return std::log(m_View->transform().m11()) / std::log(kWheelFactor); }
 
     QGraphicsScene m_Scene;
@@ -62,213 +247,6 @@ private:
     QPoint m_Mouse{211, 97};
     ulong m_Time = 0;
 };
-
-void tst_EditorView::init()
-{
-    m_Window = std::make_unique<QWidget>();
-    m_View = new OpenView(m_Window.get());
-    m_Other = new QWidget(m_Window.get());
-    m_Other->setFocusPolicy(Qt::StrongFocus);
-    auto* column = new QVBoxLayout(m_Window.get());
-    column->addWidget(m_View, 1);
-    column->addWidget(m_Other);
-    m_View->setScene(&m_Scene);
-    m_View->init();
-    m_Window->resize(641, 433);
-    m_Window->show();
-    m_Window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_Window.get()));
-    m_View->setFocus();
-}
-
-void tst_EditorView::turn(const QPoint& angle, Qt::ScrollPhase phase, const QPoint& pixels,
-    Qt::KeyboardModifiers modifiers)
-{
-    QWheelEvent event(m_Mouse, m_View->viewport()->mapToGlobal(m_Mouse), pixels, angle,
-        Qt::NoButton, modifiers, phase, false);
-    event.setTimestamp(m_Time += 10);
-    QCoreApplication::sendEvent(m_View->viewport(), &event);
-}
-
-void tst_EditorView::pinch(double value)
-{
-    QNativeGestureEvent event(
-        Qt::ZoomNativeGesture, nullptr, m_Mouse, m_Mouse, m_Mouse, value, 0, 0);
-    QCoreApplication::sendEvent(m_View->viewport(), &event);
-}
-
-void tst_EditorView::wheel_isGatheredToSteps_data()
-{
-    using Turns = QVector<QPoint>;
-    const TestTable<Turns, int> row("turns", "steps");
-    const QPoint pause(kPause, kPause);
-    row("a notch", Turns{{0, 120}}, 1);
-    row("a fine wheel", Turns(16, {0, 15}), 2);
-    row("less than a step", Turns(7, {0, 15}), 0);
-    row("the rest goes on", Turns{{0, 100}, {0, 100}, {0, 40}}, 2);
-    row("three at once", Turns{{0, -360}}, -3);
-    row("turned back", Turns{{0, 90}, {0, -60}, {0, -60}}, -1);
-    row("rested", Turns{{0, 90}, pause, {0, 90}}, 0);
-    row("each axis for itself", Turns{{60, 0}, {0, 60}, {60, 0}}, 1);
-}
-
-void tst_EditorView::wheel_isGatheredToSteps()
-{
-    QFETCH(QVector<QPoint>, turns);
-    QFETCH(int, steps);
-    for (const QPoint& angle : qAsConst(turns)) {
-        if (angle == QPoint(kPause, kPause))
-            m_Time += 2000;
-        else
-            turn(angle);
-    }
-    QCOMPARE(qRound(this->steps() * 1000), steps * 1000);
-}
-
-void tst_EditorView::zoom_keepsThePointUnderTheMouse_data()
-{
-    const TestTable<bool> row("byPinch");
-    row("wheel", false);
-    row("pinch", true);
-}
-
-void tst_EditorView::zoom_keepsThePointUnderTheMouse()
-{
-    QFETCH(bool, byPinch);
-    m_View->lookAt({17.3, -8.9}, 0.73);
-    const QPointF kept = m_View->viewportTransform().inverted().map(QPointF(m_Mouse));
-    for (int i = 0; i < 20; ++i) {
-        const double before = m_View->transform().m11();
-        const bool isIn = i < 10;
-        if (byPinch)
-            pinch(isIn ? 0.1 : -0.1);
-        else
-            turn({0, isIn ? 120 : -120});
-        QCOMPARE(m_View->transform().m11() > before, isIn);
-        const QPointF drift = m_View->viewportTransform().map(kept) - m_Mouse;
-        QVERIFY2(
-            drift.manhattanLength() < 0.1, qPrintable(QString::number(drift.manhattanLength())));
-    }
-}
-
-void tst_EditorView::fingers_pan()
-{
-    const QTransform before = m_View->viewportTransform();
-    const auto moved
-        = [&] { return m_View->viewportTransform().map(QPointF()) - before.map(QPointF()); };
-    turn({0, 240}, Qt::ScrollUpdate, {31, -12});
-    QCOMPARE(moved().toPoint(), QPoint(31, -12));
-    turn({-10, 20}, Qt::ScrollMomentum); // no pixels told
-    QCOMPARE(moved().toPoint(), QPoint(26, -2));
-    QCOMPARE(steps(), 0.0);
-    turn({0, 120}, Qt::ScrollUpdate, {0, 30}, Qt::ControlModifier);
-    QCOMPARE(qRound(steps() * 1000), 1000);
-}
-
-void tst_EditorView::heldKeys_endWithKeyOrFocus_data()
-{
-    const TestTable<int, int> row("key", "meaning");
-    row("cut", int(Qt::Key_C), int(EditorView::HeldCut));
-    row("dots", int(Qt::Key_D), int(EditorView::HeldDot));
-    row("place", int(Qt::Key_S), int(EditorView::HeldPlace));
-}
-
-void tst_EditorView::heldKeys_endWithKeyOrFocus()
-{
-    QFETCH(int, key);
-    QFETCH(int, meaning);
-    const auto press = [&](bool isPress, bool isRepeated, Qt::KeyboardModifiers modifiers = {}) {
-        QKeyEvent event(
-            isPress ? QEvent::KeyPress : QEvent::KeyRelease, key, modifiers, {}, isRepeated);
-        QCoreApplication::sendEvent(m_View, &event);
-    };
-    const auto isOn = [&] {
-        const bool isHeld = m_View->heldKeys() == EditorView::HeldKeys(meaning);
-        const bool isCutting
-            = m_View->cursorTrackingMode() == OrvNgView::CURSOR_TRACKING_SEVER_EDGES;
-        return isHeld && isCutting == (meaning == EditorView::HeldCut)
-            && m_View->isAutoInsertOn() == (meaning != EditorView::HeldPlace);
-    };
-    const auto isOff = [&] {
-        return !m_View->heldKeys() && m_View->isAutoInsertOn()
-            && m_View->cursorTrackingMode() == OrvNgView::CURSOR_TRACKING_NONE;
-    };
-    press(true, false, Qt::ControlModifier);
-    QVERIFY(isOff());
-    press(true, false);
-    QVERIFY(isOn());
-    press(false, true); // held down, a key repeats both
-    press(true, true);
-    QVERIFY(isOn());
-    press(false, false); // X11 does not always say that it repeats
-    press(true, false);
-    QTest::qWait(150);
-    QVERIFY(isOn());
-    press(false, false);
-    QTRY_VERIFY_WITH_TIMEOUT(isOff(), 1000);
-
-    press(true, false);
-    m_Other->setFocus();
-    QVERIFY(isOff());
-    m_View->setFocus();
-    press(true, true); // still down: it takes a new press
-    QVERIFY(isOff());
-}
-
-void tst_EditorView::cut_begunIsFinishedWithoutTheKey()
-{
-    QTest::keyPress(m_View, Qt::Key_C);
-    QTest::mousePress(m_View->viewport(), Qt::LeftButton, {}, {50, 50});
-    QTest::keyRelease(m_View, Qt::Key_C);
-    QTRY_VERIFY(!m_View->heldKeys());
-    QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
-    QTest::mouseRelease(m_View->viewport(), Qt::LeftButton, {}, {90, 50});
-    QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_NONE);
-}
-
-void tst_EditorView::tab_staysInTheGraph()
-{
-    QTest::keyClick(m_View, Qt::Key_Tab);
-    QVERIFY(m_View->hasFocus());
-    QTest::keyClick(m_View, Qt::Key_Tab, Qt::ShiftModifier);
-    QVERIFY(m_View->hasFocus());
-}
-
-void tst_EditorView::band_takesBackdropsByTheTitleBar_data()
-{
-    // In the backdrop's coordinates; its title bar ends at 0.
-    const TestTable<QPoint, QPoint, bool> row("from", "to", "isTaken");
-    row("inside the body", QPoint(40, 90), QPoint(160, 130), false);
-    row("across the lower border", QPoint(40, 90), QPoint(160, 190), false);
-    row("into the title bar", QPoint(40, 90), QPoint(160, -4), true);
-    row("around all of it", QPoint(-60, -80), QPoint(300, 250), true);
-}
-
-void tst_EditorView::band_takesBackdropsByTheTitleBar()
-{
-    QFETCH(QPoint, from);
-    QFETCH(QPoint, to);
-    QFETCH(bool, isTaken);
-    auto backdrop = std::make_unique<OrvNgBackdropNode>(nullptr);
-    m_Scene.addItem(backdrop.get());
-    backdrop->setLabel(QString());
-    backdrop->resizeNode({200, 150});
-    m_View->lookAt(backdrop->sceneBoundingRect().center(), 1);
-    const QPointF body(0, double(backdrop->titleBarHeight()));
-    const auto viewPos
-        = [&](const QPoint& pos) { return m_View->mapFromScene(backdrop->mapToScene(body + pos)); };
-    const auto mouse = [&](QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons) {
-        QWidget* viewport = m_View->viewport();
-        QMouseEvent event(type, viewPos(pos), viewport->mapToGlobal(viewPos(pos)),
-            type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(viewport, &event);
-    };
-    mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
-    mouse(QEvent::MouseMove, (from + to) / 2, Qt::LeftButton);
-    mouse(QEvent::MouseMove, to, Qt::LeftButton);
-    mouse(QEvent::MouseButtonRelease, to, Qt::NoButton);
-    QCOMPARE(backdrop->isSelected(), isTaken);
-}
 
 QTEST_MAIN(tst_EditorView)
 #include "tst_EditorView.moc"
