@@ -9,8 +9,6 @@
 
 namespace {
 
-enum State { Plain, Overridden, Bypassed, Cached, Locked };
-
 template <typename Item> Item* childOf(const QGraphicsItem& node)
 {
     for (QGraphicsItem* child : node.childItems()) {
@@ -28,7 +26,6 @@ QBrush overWholeBody(QLinearGradient gradient, const QRectF& body)
 }
 
 } // namespace
-Q_DECLARE_METATYPE(QVector<int>)
 
 class tst_OrvNgTextNode : public QObject
 {
@@ -86,43 +83,33 @@ private Q_SLOTS:
                                          : QStringLiteral("src/OrvNodeGraph/OrvNgTextNode"));
     }
 
-    void color_followsTheFirstStateThatApplies_data()
+    void color_followsStatesAndTheWholeBody()
     {
-        const TestTable<QVector<int>, int> row("states", "shown");
-        row("none", QVector<int>{}, Plain);
-        row("override beats all", QVector<int>{Locked, Cached, Bypassed, Overridden}, Overridden);
-        row("bypassed beats cached and locked", QVector<int>{Locked, Cached, Bypassed}, Bypassed);
-        row("cached beats locked", QVector<int>{Locked, Cached}, Cached);
-        row("locked", QVector<int>{Locked}, Locked);
-    }
-    void color_followsTheFirstStateThatApplies()
-    {
-        QFETCH(QVector<int>, states);
-        QFETCH(int, shown);
         const OrvNgStyle& style = OrvNgStyle::instance();
         OrvNgTextNode node(nullptr);
         node.setText(QStringLiteral("1\n2\n3\n4")); // a taller body: the gradient follows
+        const QRectF body = node.boundingRect();
+        const auto* label = childOf<QGraphicsSimpleTextItem>(node);
+        const auto own = [&](Qt::GlobalColor top, Qt::GlobalColor bottom) {
+            QLinearGradient gradient = style.getDefaultNodeBrush();
+            gradient.setColorAt(0, top);
+            gradient.setColorAt(1, bottom);
+            return overWholeBody(gradient, body);
+        };
         node.setNodeColor(Qt::red, Qt::blue);
         node.setDebugColor(Qt::green);
         node.setCorrectColor();
-        node.setLocked(states.contains(Locked));
-        node.setCached(states.contains(Cached));
-        node.setBypassed(states.contains(Bypassed));
-        node.setDebug(states.contains(Overridden));
-
-        QLinearGradient own = style.getDefaultNodeBrush();
-        own.setColorAt(0, shown == Overridden ? Qt::green : Qt::red);
-        own.setColorAt(1, shown == Overridden ? Qt::green : Qt::blue);
-        const QRectF body = node.boundingRect();
-        const QBrush expected = shown == Bypassed
-            ? overWholeBody(style.getBypassedNodeBrush(), body)
-            : shown == Cached ? style.getCachedNodeBrush()
-            : shown == Locked ? overWholeBody(style.getNodeLockedBrush(), body)
-                              : overWholeBody(own, body);
-        QCOMPARE(node.nodeUniColour(), expected);
-        QCOMPARE(childOf<QGraphicsSimpleTextItem>(node)->brush(),
-            states.contains(Bypassed) ? style.getBypassedNodeTextBrush()
-                                      : style.getNodeTextBrush());
+        QCOMPARE(node.nodeUniColour(), own(Qt::red, Qt::blue));
+        node.setLocked(true);
+        QCOMPARE(node.nodeUniColour(), overWholeBody(style.getNodeLockedBrush(), body));
+        node.setCached(true);
+        QCOMPARE(node.nodeUniColour(), style.getCachedNodeBrush());
+        QCOMPARE(label->brush(), style.getNodeTextBrush());
+        node.setBypassed(true);
+        QCOMPARE(node.nodeUniColour(), overWholeBody(style.getBypassedNodeBrush(), body));
+        node.setDebug(true);
+        QCOMPARE(node.nodeUniColour(), own(Qt::green, Qt::green));
+        QCOMPARE(label->brush(), style.getBypassedNodeTextBrush());
     }
 };
 

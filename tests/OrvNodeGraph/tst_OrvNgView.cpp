@@ -160,21 +160,6 @@ private Q_SLOTS:
         QVERIFY(isNear(stage.m_View.center() * to, QPointF(0, 0), 0.01));
     }
 
-    void centerViewOn_isExact()
-    {
-        ViewStage stage;
-        stage.m_View.zoomIn(3.0);
-        for (const QPointF& point : {QPointF(1.37, -2.81), QPointF(900, 77)}) {
-            stage.m_View.centerViewOn(point, false);
-            QVERIFY(isNear(stage.m_View.center(), point));
-            QCOMPARE(stage.m_View.scaleNow(), 3.0);
-        }
-        stage.m_View.centerViewOn(QPointF(-7.77, 0.12), true);
-        QVERIFY(isNear(stage.m_View.center(), QPointF(-7.77, 0.12)));
-        QCOMPARE(stage.m_View.scaleNow(), 1.0);
-        QCOMPARE(stage.m_View.transformationAnchor(), QGraphicsView::AnchorViewCenter);
-    }
-
     void press_startsPanOrZoom_data()
     {
         const TestTable<int, int, QString, QString> row("button", "modifiers", "scheme", "outcome");
