@@ -332,6 +332,8 @@ private Q_SLOTS:
         QVERIFY(m_Window->save());
         QCOMPARE(contents(file), m_Window->navigator()->editor()->text());
         QVERIFY(m_Window->save());
+        QVERIFY(QFile::remove(file));
+        QVERIFY(m_Window->save()); // nor about one that is gone
         QCOMPARE(m_Answers->m_Asked.size(), 2); // not about the window's own write
     }
 
