@@ -234,22 +234,20 @@ private Q_SLOTS:
         QCOMPARE(stage.m_Outside->pos(), before.at(5));
     }
 
-    void wrap_keepsTheStylesDistances_data()
-    {
-        const TestTable<bool, QRectF> row("withPadding", "frame");
-        // Beyond the wrapped rectangle: offset and title bar at the top left, padding elsewhere.
-        row("padded", true, QRectF(100 - 24, 200 - 28 - 24, 300 + 24 + 24, 240 + 24 + 28 + 24));
-        row("tight", false, QRectF(100, 200 - 28, 300 + 24, 240 + 28 + 24));
-    }
     void wrap_keepsTheStylesDistances()
     {
-        QFETCH(bool, withPadding);
         Frames stage;
         OrvShaderNetworkManager::instance()->setSnapToGrid(true);
-        stage.m_Outer->wrapAroundSelection(QRectF(100, 200, 300, 240), withPadding);
-        QTEST(stage.m_Outer->sceneBoundingRect(), "frame");
-        stage.m_Outer->wrapAroundSelection(QRectF(0, kNan, 1, 1), withPadding);
-        QTEST(stage.m_Outer->sceneBoundingRect(), "frame");
+        const QRectF inner(100, 200, 300, 240);
+        for (const bool withPadding : {true, false}) {
+            // Offset and title bar at the top left, padding elsewhere.
+            const QRectF frame = withPadding ? inner.adjusted(-24, -28 - 24, 24, 24)
+                                             : inner.adjusted(0, -28, 24, 24);
+            stage.m_Outer->wrapAroundSelection(inner, withPadding);
+            QCOMPARE(stage.m_Outer->sceneBoundingRect(), frame);
+            stage.m_Outer->wrapAroundSelection(QRectF(0, kNan, 1, 1), withPadding);
+            QCOMPARE(stage.m_Outer->sceneBoundingRect(), frame);
+        }
         QCOMPARE(stage.m_InInner->pos(), QPointF(0, 0));
     }
 
