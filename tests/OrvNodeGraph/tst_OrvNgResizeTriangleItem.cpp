@@ -42,13 +42,11 @@ struct Stage : ViewStage
         const QPointF corners[]{{-86, -66}, {86, -66}, {-86, 66}, {86, 66}};
         return m_View.mapFromScene(corners[corner]);
     }
-    void drag(int corner, const QPoint& offset, Qt::MouseButton button = Qt::LeftButton)
+    void drag(int corner, const QPoint& offset)
     {
         const QPoint from = handle(corner);
-        press(from, button);
-        move(from + offset / 2, button);
-        move(from + offset, button);
-        release(from + offset, button);
+        ViewStage::drag({from, from + offset / 2, from + offset});
+        release(from + offset, Qt::LeftButton);
     }
 
     OrvNgBackdropNode* m_Frame = new OrvNgBackdropNode(nullptr);
