@@ -160,6 +160,18 @@ private Q_SLOTS:
         QVERIFY(isNear(stage.m_View.center() * to, QPointF(0, 0), 0.01));
     }
 
+    void fitInView_showsARectangleFarOff()
+    {
+        const QRectF rect(90000.3, -71.7, 61.5, 47.1);
+        ViewStage stage;
+        stage.m_Node->setPos(rect.center());
+        stage.m_View.init();
+        stage.m_View.fitInView(rect, Qt::KeepAspectRatio);
+        const double fitted = qMin(396 / rect.width(), 196 / rect.height());
+        QVERIFY(std::abs(stage.m_View.transform().m22() - fitted) < 1e-6 * fitted);
+        QVERIFY(isNear(stage.m_View.center(), rect.center()));
+    }
+
     void press_startsPanOrZoom_data()
     {
         const TestTable<int, int, QString, QString> row("button", "modifiers", "scheme", "outcome");
@@ -281,6 +293,15 @@ private Q_SLOTS:
         const int stopped = stage.m_View.scrolled().x();
         QTest::qWait(120);
         QCOMPARE(stage.m_View.scrolled().x(), stopped);
+    }
+
+    void arrows_doNotScroll()
+    {
+        ViewStage stage;
+        const QPointF center = stage.m_View.center();
+        for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down})
+            QTest::keyClick(&stage.m_View, key);
+        QCOMPARE(stage.m_View.center(), center);
     }
 
     void resize_keepsTheCenter()
