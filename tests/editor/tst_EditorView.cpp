@@ -184,6 +184,14 @@ private Q_SLOTS:
         QCOMPARE(m_View->cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_NONE);
     }
 
+    void tab_staysInTheGraph()
+    {
+        QTest::keyClick(m_View, Qt::Key_Tab);
+        QVERIFY(m_View->hasFocus());
+        QTest::keyClick(m_View, Qt::Key_Tab, Qt::ShiftModifier);
+        QVERIFY(m_View->hasFocus());
+    }
+
     void band_takesBackdropsByTheTitleBar_data()
     {
         // In the backdrop's coordinates; its title bar ends at 0.

@@ -1,6 +1,7 @@
 #include "editor/EditorCommand.h"
 #include "editor/EditorMessageBar.h"
 #include "editor/EditorNavigator.h"
+#include "editor/EditorPreferencesDialog.h"
 #include "editor/EditorQuestions.h"
 #include "editor/EditorTesting.h"
 #include "editor/EditorView.h"
@@ -499,6 +500,19 @@ private Q_SLOTS:
         next.show();
         QVERIFY(next.openFile(m_Graphs));
         QVERIFY(!lookPastTheNodes(&next));
+    }
+
+    void preferences_openOnce()
+    {
+        const auto dialogs = [&] { return m_Window->findChildren<EditorPreferencesDialog*>(); };
+        const QKeySequence key(int(Qt::CTRL) | int(Qt::Key_Comma));
+        actionFor(key)->trigger();
+        actionFor(key)->trigger();
+        QCOMPARE(dialogs().size(), 1);
+        QVERIFY(dialogs().constFirst()->isVisible() && !dialogs().constFirst()->isModal());
+        dialogs().constFirst()->reject();
+        flush();
+        QCOMPARE(dialogs().size(), 0);
     }
 
     void saveAs_saysWhichIncludesAreLost()
