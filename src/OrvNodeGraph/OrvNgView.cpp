@@ -245,6 +245,8 @@ void OrvNgView::calculateVisibleNodesBoundingRect()
     m_VisibleNodeBounds = bounds;
     const auto extent = [](double length) { return length > 0.0 ? length : 1.0; };
     m_NodeBoundsAspect = extent(bounds.width()) / extent(bounds.height());
+    if (!m_MinimapShown && shouldDisplayMinimap())
+        viewport()->update(); // what changed was painted before its bounds were known
     setNewSceneRect();
 }
 

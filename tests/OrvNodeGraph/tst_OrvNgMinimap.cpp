@@ -153,6 +153,31 @@ private Q_SLOTS:
         QVERIFY(corner->hovered());
     }
 
+    void nodeThatLeavesTheView_bringsTheMinimap()
+    {
+        struct Paints : QObject
+        {
+            explicit Paints(TestView& view)
+                : m_View(view)
+            {
+                view.viewport()->installEventFilter(this);
+            }
+            bool eventFilter(QObject*, QEvent* event) override
+            {
+                m_WithMinimap += event->type() == QEvent::Paint && m_View.shouldDisplayMinimap();
+                return false;
+            }
+            TestView& m_View;
+            int m_WithMinimap = 0;
+        };
+        ViewStage stage;
+        flushEvents();
+        const Paints paints(stage.m_View);
+        // The move itself is painted before the bounds that it changes are known.
+        stage.m_Node->setPos(5000, 0);
+        QTRY_VERIFY(paints.m_WithMinimap > 0);
+    }
+
     void flatBounds_divideByNothing()
     {
         ViewStage stage;
