@@ -1,4 +1,3 @@
-#include "OrvNodeGraph/OrvNgNode.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 
 #include <OrvCore/OrvResourceInfo.h>
@@ -19,7 +18,6 @@ QString operator""_q(const char* text, std::size_t size)
 }
 
 const QString kStyleSheet = "docs/style-sheet.md"_q;
-const QString kInteraction = "docs/interaction.md"_q;
 const QString kInBackticks = "`([^`\\n]+)`"_q;
 const QStringList kFromSheet{"file"_q, "read-only"_q};
 
@@ -29,18 +27,6 @@ QString read(const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// The texts of the folders' files, by name without ending.
-QHash<QString, QString> readAll(const QStringList& folders, const QString& pattern)
-{
-    QHash<QString, QString> texts;
-    for (const QString& folder : folders) {
-        const QDir dir(ORV_SOURCE_DIR "/src/"_q + folder);
-        for (const QFileInfo& file : dir.entryInfoList({pattern}))
-            texts.insert(file.baseName(), read("src/"_q + folder + u'/' + file.fileName()));
-    }
-    return texts;
-}
-
 QStringList matches(const QString& text, const QString& pattern)
 {
     QStringList found;
@@ -48,11 +34,6 @@ QStringList matches(const QString& text, const QString& pattern)
     while (match.hasNext())
         found += match.next().captured(1);
     return found;
-}
-
-bool hasWord(const QString& text, const QString& word)
-{
-    return text.contains(QRegularExpression("\\b%1\\b"_q.arg(word)));
 }
 
 QStringList sorted(QStringList names)
@@ -130,66 +111,9 @@ QVariant otherThan(const QVariant& value)
     return value.toInt() + 7;
 }
 
-/// The public headers of the three libraries, by class.
-QHash<QString, QString> publicHeaders()
-{
-    QHash<QString, QString> headers = readAll({"OrvCore"_q, "OrvCoreModules"_q}, "*.h"_q);
-    const QString list = read("src/OrvNodeGraph/CMakeLists.txt"_q)
-                             .section("PUBLIC_HEADERS"_q, -1)
-                             .section("SOURCES"_q, 0, 0);
-    for (const QString& name : matches(list, "(\\w+)\\.h"_q))
-        headers.insert(name, read("src/OrvNodeGraph/%1.h"_q.arg(name)));
-    return headers;
-}
-
-QStringList signalsOf(const QString& header)
-{
-    const QRegularExpression end(
-        "^(public|protected|private|\\};)"_q, QRegularExpression::MultilineOption);
-    return matches(header.section("Q_SIGNALS:"_q, 1).section(end, 0, 0), "^    void (\\w+)\\("_q);
-}
-
-/// What a host meets while a user edits: signals, notify hooks, and the modes that they speak of.
-QStringList hostFacingNames()
-{
-    QStringList names;
-    const QHash<QString, QString> headers = publicHeaders();
-    for (auto header = headers.begin(); header != headers.end(); ++header) {
-        if (!header.key().startsWith("OrvNg"_q) || header.key() == "OrvNgStyle"_q)
-            continue;
-        names += signalsOf(*header) + matches(*header, "virtual void (notify\\w+)\\("_q);
-        for (const QString& name : {"OrvNgSelectMode"_q, "PortListMode"_q, "OrvNavigationMode"_q,
-                 "OrvCursorTrackingMode"_q})
-            names += matches(
-                header->section("enum "_q + name + u' ', 1).section(u'}', 0, 0).section(u'{', 1),
-                "^ +(\\w+)"_q);
-    }
-    return names;
-}
-
-/// Whether a name that a document gives in backticks is none of the code, or exists there.
-bool isRight(const QString& code, const QHash<QString, QString>& headers)
-{
-    static const QRegularExpression s_Member("^(Orv\\w+)(::(\\w+))?(\\(\\))?$"_q);
-    static const QRegularExpression s_Function("^(\\w+)\\(\\)$"_q);
-    static const QRegularExpression s_Name(
-        "^([A-Z]?[a-z]+[A-Z]\\w*|[A-Z]+(_[A-Z0-9]+)+|_[a-z]\\w*)$"_q);
-    const QString everything = headers.values().join(u'\n');
-
-    if (const auto member = s_Member.match(code); member.hasMatch()) {
-        const auto header = headers.find(member.captured(1));
-        if (header == headers.end())
-            return hasWord(everything, member.captured(1));
-        return member.captured(3).isEmpty() || hasWord(*header, member.captured(3));
-    }
-    if (const auto function = s_Function.match(code); function.hasMatch())
-        return everything.contains(function.captured(1) + u'(');
-    return !s_Name.match(code).hasMatch() || hasWord(everything, code);
-}
-
 } // namespace
 
-/// The documents for artists and hosts against the style, the headers and the sources.
+/// The document of the style sheet against the style.
 class tst_Documentation : public QObject
 {
     Q_OBJECT
@@ -266,53 +190,6 @@ private Q_SLOTS:
                                          .arg(color.alpha());
             QCOMPARE(row.m_Values.value(0),
                 color.isValid() ? channels : QString::number(value.toFloat()));
-        }
-    }
-
-    void interaction_describesWhatHostsMeet()
-    {
-        // The reading of headers, against what the compiler made of one.
-        QStringList nodeSignals;
-        const QMetaObject& node = OrvNgNode::staticMetaObject;
-        for (int i = node.methodOffset(); i < node.methodCount(); ++i) {
-            if (node.method(i).methodType() == QMetaMethod::Signal)
-                nodeSignals += QString::fromLatin1(node.method(i).name());
-        }
-        QCOMPARE(signalsOf(publicHeaders()["OrvNgNode"_q]), nodeSignals);
-
-        const QString described = matches(read(kInteraction), kInBackticks).join(u'\n');
-        const QStringList names = hostFacingNames();
-        for (const QString& name : names)
-            QVERIFY2(hasWord(described, name), qPrintable(name + " is missing"_q));
-        for (const QString& name : {"SelectToggle"_q, "PORT_LIST_T2B"_q, "NavigationMinimap"_q,
-                 "CURSOR_TRACKING_SHAKE"_q, "notifyInputSourceChange"_q})
-            QVERIFY2(names.contains(name), qPrintable(name));
-    }
-
-    void everyNameGivenExists()
-    {
-        QHash<QString, QString> headers = publicHeaders();
-        // Categories' brushes are properties that exist in the running program only.
-        for (const QByteArray& name : OrvNgStyle::instance().dynamicPropertyNames())
-            headers["OrvNgStyle"_q] += u' ' + QString::fromLatin1(name);
-        QStringList wrong;
-        for (const QString& document : {kStyleSheet, kInteraction}) {
-            const QStringList names = matches(read(document), kInBackticks);
-            QVERIFY(names.size() > 50);
-            for (const QString& name : names)
-                wrong += isRight(name, headers) ? QStringList() : QStringList(name);
-        }
-        QCOMPARE(wrong, QStringList());
-    }
-
-    void undoTexts_areThoseOfTheSources()
-    {
-        const QString sources = readAll({"OrvNodeGraph"_q}, "*.cpp"_q).values().join(u'\n');
-        const QStringList texts = namesOf(rowsBelow(kInteraction, "Undo steps"_q));
-        QVERIFY(texts.size() > 1);
-        for (QString text : texts) {
-            text.replace("\""_q, "\\\""_q);
-            QVERIFY2(sources.contains(u'"' + text + u'"'), qPrintable(text));
         }
     }
 
