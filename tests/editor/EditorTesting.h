@@ -54,6 +54,20 @@ inline void flush()
     QCoreApplication::processEvents();
 }
 
+/// A document of the tests' own, which stays as it is.
+inline QString testPath(const char* name)
+{
+    return QStringLiteral(ORV_TEST_DATA "/editor/") + QLatin1String(name);
+}
+
+inline QByteArray testDocument(const char* name)
+{
+    QFile file(testPath(name));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("the test's document is missing");
+    return file.readAll();
+}
+
 inline QString samplePath(const char* name)
 {
     return QDir(QStringLiteral(ORV_RESOURCES "/networks")).filePath(QString::fromLatin1(name));

@@ -6,7 +6,6 @@
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <OrvNodeGraph/OrvNgStyle.h>
@@ -18,24 +17,7 @@ namespace {
 
 // inner lies in outer, and b in it; a lies in outer alone. Far from the origin, so that the layout puts
 // loose beside all of it.
-const char kNested[] = R"(<?xml version="1.0"?>
-<materialx version="1.39">
-  <nodedef name="ND_take" node="take" nodegroup="math">
-    <input name="in" type="float" value="0" />
-    <output name="out" type="float" />
-  </nodedef>
-  <take name="a" type="float" xpos="20.5" ypos="1" />
-  <take name="b" type="float" xpos="23" ypos="1.25"><!-- kept -->
-    <input name="in" type="float" nodename="a" />
-  </take>
-  <take name="far" type="float" xpos="28" ypos="0.5" />
-  <take name="loose" type="float" />
-  <backdrop name="outer" xpos="20" ypos="0" width="6.5" height="4" doc="All of it" />
-  <backdrop  name="inner" uiname="Inside" xpos="22.5" ypos="0.5" width="3" height="2.5"
-             uicolor="0.2, 0.4, 0.6" />
-  <backdrop name="remark" xpos="27" ypos="2.5" width="2" height="1" doc="Mind the gap" contains="" />
-</materialx>
-)";
+const QByteArray kNested = testDocument("nested.mtlx");
 
 struct Nested : Stage
 {
@@ -116,8 +98,6 @@ class tst_EditorBackdrops : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
     void gesture_isOneStepThereAndBack_data();
     void gesture_isOneStepThereAndBack();
     void contents_moveByTheBackdropsWay();
@@ -130,15 +110,8 @@ private Q_SLOTS:
     void color_isReadInBothForms();
 
 private:
-    QTemporaryDir m_Folder;
-    QString m_File;
+    const QString m_File = testPath("nested.mtlx");
 };
-
-void tst_EditorBackdrops::initTestCase()
-{
-    QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    m_File = writeFile(QDir(m_Folder.path()), QStringLiteral("nested.mtlx"), kNested);
-}
 
 void tst_EditorBackdrops::gesture_isOneStepThereAndBack_data()
 {
@@ -279,7 +252,7 @@ void tst_EditorBackdrops::gesture_isOneStepThereAndBack()
         history().undo();
         flush();
         QVERIFY(stage.isTrue());
-        QCOMPARE(stage.m_Editor->text(), QByteArray(kNested));
+        QCOMPARE(stage.m_Editor->text(), kNested);
         history().redo();
         flush();
         QVERIFY(stage.isTrue());

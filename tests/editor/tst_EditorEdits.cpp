@@ -6,7 +6,6 @@
 #include <OrvCoreModules/OrvShaderNetworkManager.h>
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace EditorTesting;
@@ -14,41 +13,7 @@ using namespace EditorTesting;
 namespace {
 
 // a feeds b feeds c; d is free, p takes colours only. Far enough apart for ports to lie bare.
-const char kChain[] = R"(<?xml version="1.0"?>
-<materialx version="1.39">
-  <nodedef name="ND_give" node="give" nodegroup="math">
-    <output name="out" type="float" />
-  </nodedef>
-  <nodedef name="ND_both" node="both" nodegroup="math">
-    <input name="tint" type="color3" value="1, 1, 1" />
-    <input name="in1" type="float" value="0" />
-    <input name="in2" type="float" value="0" />
-    <output name="out" type="float" />
-  </nodedef>
-  <nodedef name="ND_paint" node="paint" nodegroup="math">
-    <input name="color" type="color3" value="0, 0, 0" />
-    <output name="out" type="color3" />
-  </nodedef>
-  <nodedef name="ND_dot_float" node="dot" nodegroup="organization">
-    <input name="in" type="float" value="0.0" />
-    <input name="note" type="string" value="" uniform="true" />
-    <output name="out" type="float" defaultinput="in" />
-  </nodedef>
-  <give name="a" type="float" xpos="0" ypos="0" />
-  <both name="b" type="float" xpos="3" ypos="0"><!-- the middle -->
-    <input name="in1" type="float" nodename="a" />
-  </both>
-  <both name="c" type="float" xpos="6" ypos="0">
-    <input name="in1" type="float" nodename="b" />
-  </both>
-  <both name="d" type="float" xpos="1" ypos="2.5" />
-  <paint name="p" type="color3" xpos="5" ypos="2.5" />
-  <nodegraph name="inner" xpos="7" ypos="2.5">
-    <both name="deep" type="float" xpos="0" ypos="0" />
-    <output name="out" type="float" nodename="deep" />
-  </nodegraph>
-</materialx>
-)";
+const QByteArray kChain = testDocument("chain.mtlx");
 
 using Gesture = void (*)(Stage&);
 
@@ -64,8 +29,6 @@ class tst_EditorEdits : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
     void gesture_isOneStepThereAndBack_data();
     void gesture_isOneStepThereAndBack();
     void refusedGesture_saysWhyAndChangesNothing_data();
@@ -77,15 +40,8 @@ private Q_SLOTS:
     void undoOfADot_whileItIsDragged();
 
 private:
-    QTemporaryDir m_Folder;
-    QString m_Chain;
+    const QString m_Chain = testPath("chain.mtlx");
 };
-
-void tst_EditorEdits::initTestCase()
-{
-    QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    m_Chain = writeFile(QDir(m_Folder.path()), QStringLiteral("chain.mtlx"), kChain);
-}
 
 void tst_EditorEdits::gesture_isOneStepThereAndBack_data()
 {
@@ -181,7 +137,7 @@ void tst_EditorEdits::gesture_isOneStepThereAndBack()
     const Noise noise;
     Stage stage(m_Chain);
     QCOMPARE(stage.shown(), QLatin1String(kAsRead));
-    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+    QCOMPARE(stage.m_Editor->text(), kChain);
 
     gesture(stage);
     flush();
@@ -197,7 +153,7 @@ void tst_EditorEdits::gesture_isOneStepThereAndBack()
     flush();
     QCOMPARE(stage.shown(), QLatin1String(kAsRead));
     QVERIFY(stage.isTrue());
-    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+    QCOMPARE(stage.m_Editor->text(), kChain);
     history().redo();
     flush();
     QCOMPARE(stage.shown(), connections);
@@ -242,7 +198,7 @@ void tst_EditorEdits::refusedGesture_saysWhyAndChangesNothing()
         QVERIFY(history().undoText().startsWith(QStringLiteral("Move")));
         history().undo();
     }
-    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+    QCOMPARE(stage.m_Editor->text(), kChain);
 }
 
 void tst_EditorEdits::carriedEdge_marksWhatWouldTakeIt_data()
@@ -299,7 +255,7 @@ void tst_EditorEdits::snapping_leavesTheModelsPlacesAlone()
         QCOMPARE(history().undoText(), QStringLiteral("Move node d"));
         history().undo();
         QVERIFY(stage.isTrue());
-        QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+        QCOMPARE(stage.m_Editor->text(), kChain);
         QVERIFY(grid->snapToGrid());
     }
     grid->setSnapToGrid(false);
@@ -345,7 +301,7 @@ void tst_EditorEdits::undoOfADot_whileItIsDragged()
     flush();
     stage.release(center + QPoint(0, 50));
     flush();
-    QCOMPARE(stage.m_Editor->text(), QByteArray(kChain));
+    QCOMPARE(stage.m_Editor->text(), kChain);
     QVERIFY(stage.isTrue());
     QVERIFY(history().canRedo());
     history().redo();

@@ -4,7 +4,6 @@
 #include "editor/EditorView.h"
 
 #include <QPointer>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <OrvNodeGraph/OrvNgEdge.h>
@@ -20,26 +19,6 @@ std::shared_ptr<NetEditor> open(const QString& file)
     return std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document);
 }
 
-// A graph with folders, a node without definition, and a connection to nowhere.
-const char kSmall[] = R"(<materialx version="1.39">
-  <nodedef name="ND_mixer" node="mixer" nodegroup="math">
-    <input name="in" type="color3" value="1, 0, 0" uiname="Colour" uifolder="Base" />
-    <input name="weight" type="float" value="0.5" uifolder="Base" />
-    <input name="Base" type="float" value="1" />
-    <input name="coat" type="float" value="0" uiname="weight" uifolder="Outer/Coat" />
-    <output name="out" type="color3" />
-  </nodedef>
-  <mixer name="first" type="color3" />
-  <mixer name="second" type="color3">
-    <input name="in" type="color3" nodename="first" />
-    <input name="weight" type="float" nodename="nobody" />
-  </mixer>
-  <mystery name="third" type="color3">
-    <input name="in" type="color3" nodename="second" />
-  </mystery>
-</materialx>
-)";
-
 } // namespace
 
 /// The scene against the model, and against real mouse events.
@@ -48,8 +27,6 @@ class tst_EditorScene : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
     void scopes_areShownWhole_data() { addDocumentRows(); }
     void scopes_areShownWhole();
 
@@ -60,15 +37,8 @@ private Q_SLOTS:
     void teardown_inEveryOrder();
 
 private:
-    QTemporaryDir m_Folder;
-    QString m_Small;
+    const QString m_Small = testPath("small.mtlx");
 };
-
-void tst_EditorScene::initTestCase()
-{
-    QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
-    m_Small = writeFile(QDir(m_Folder.path()), QStringLiteral("small.mtlx"), kSmall);
-}
 
 void tst_EditorScene::scopes_areShownWhole()
 {

@@ -32,22 +32,7 @@ using Mode = EditorScene::Mode;
 namespace {
 
 // The graph "inner" stands inside "outer".
-const char kGraphs[] = R"(<?xml version="1.0"?>
-<materialx version="1.39">
-  <nodedef name="ND_twice" node="twice" nodegroup="math">
-    <input name="in" type="float" value="1" />
-    <output name="out" type="float" />
-  </nodedef>
-  <nodegraph name="outer">
-    <nodegraph name="inner">
-      <twice name="deep" type="float" />
-      <output name="out" type="float" nodename="deep" />
-    </nodegraph>
-    <output name="out" type="float" nodegraph="inner" />
-  </nodegraph>
-  <twice name="user" type="float"><input name="in" type="float" nodegraph="outer" /></twice>
-</materialx>
-)";
+const QByteArray kGraphs = testDocument("graphs.mtlx");
 
 Mode modeOf(OrvNgNode* node)
 {
@@ -214,7 +199,7 @@ private Q_SLOTS:
         QVERIFY(m_Window->openFile(file));
         QVERIFY(m_Window->showGraph(QStringLiteral("outer/inner")));
         m_Window->view()->lookAt(QPointF(10, 10), 0.8);
-        QByteArray changed(kGraphs);
+        QByteArray changed = kGraphs;
         changed.replace("<twice name=\"deep\" type=\"float\" />",
             "<twice name=\"deep\" type=\"float\" /><twice name=\"new\" type=\"float\" />");
         write("changing.mtlx", changed);
@@ -259,7 +244,7 @@ private Q_SLOTS:
         QVERIFY(m_Window->openFile(file));
         change();
         const QByteArray changed = m_Window->navigator()->editor()->text();
-        QVERIFY(changed != QByteArray(kGraphs));
+        QVERIFY(changed != kGraphs);
         m_Answers->m_Unsaved = Answer(answer);
 
         const QPointer<EditorScene> scene = m_Window->scene();
@@ -279,7 +264,7 @@ private Q_SLOTS:
         }
         flush();
         QCOMPARE(m_Answers->m_Asked, QStringList(QStringLiteral("unsaved asked.mtlx")));
-        QCOMPARE(contents(file), isSaved ? changed : QByteArray(kGraphs));
+        QCOMPARE(contents(file), isSaved ? changed : kGraphs);
         if (way == QLatin1String("close"))
             return;
         QCOMPARE(scene.isNull(), isGone);
@@ -305,8 +290,7 @@ private Q_SLOTS:
         // Saving as the way out fails as well: the window stays.
         m_Answers->m_Unsaved = Answer::Save;
         QVERIFY(!m_Window->close());
-        QCOMPARE(contents(m_Folder.filePath(QStringLiteral("elsewhere/kept.mtlx"))),
-            QByteArray(kGraphs));
+        QCOMPARE(contents(m_Folder.filePath(QStringLiteral("elsewhere/kept.mtlx"))), kGraphs);
 
         m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("rescued.mtlx"));
         QTest::keyClick(m_Window.get(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
@@ -322,7 +306,7 @@ private Q_SLOTS:
         const QString file = write("shared.mtlx", kGraphs);
         QVERIFY(m_Window->openFile(file));
         change();
-        const QByteArray theirs = QByteArray(kGraphs) + "<!-- theirs -->\n";
+        const QByteArray theirs = kGraphs + "<!-- theirs -->\n";
         write("shared.mtlx", theirs);
         QVERIFY(!m_Window->save());
         QCOMPARE(m_Answers->m_Asked, QStringList(QStringLiteral("changed shared.mtlx")));

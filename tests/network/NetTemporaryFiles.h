@@ -33,6 +33,15 @@ public:
             .read(writeDocument(QStringLiteral("document.mtlx"), children));
     }
 
+    /// A document of the tests' own, as it stands in its file.
+    static QByteArray data(const char* name)
+    {
+        QFile file(QStringLiteral(ORV_TEST_DATA "/network/") + QLatin1String(name));
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("%s is missing", name);
+        return file.readAll();
+    }
+
 private:
     QTemporaryDir m_Folder;
 };

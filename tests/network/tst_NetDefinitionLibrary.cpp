@@ -8,16 +8,7 @@ namespace {
 
 // The same category several times over, told apart by output type, version, target, inputs,
 // namespace.
-const char* const kMixes = R"(
-<nodedef name="float" node="mix"><input name="a" type="float"/><output name="out" type="float"/></nodedef>
-<nodedef name="gl" node="mix" target="genglsl"><input name="a" type="float"/><input name="gl" type="float"/><output name="out" type="float"/></nodedef>
-<nodedef name="wide" node="mix"><input name="a" type="float"/><input name="b" type="float"/><output name="out" type="float"/></nodedef>
-<nodedef name="color" node="mix"><input name="a" type="color3"/><output name="out" type="color3"/></nodedef>
-<nodedef name="several" node="mix"><output name="x" type="float"/><output name="y" type="float"/></nodedef>
-<nodedef name="v1" node="aged" version="1.0"><output name="out" type="float"/></nodedef>
-<nodedef name="v2" node="aged" version="2.0" isdefaultversion="true"><output name="out" type="float"/></nodedef>
-<nodedef name="spaced" node="mix" namespace="lib"><output name="out" type="float"/></nodedef>
-<nodedef name="other" node="rare" namespace="lib"><output name="out" type="float"/></nodedef>)";
+const QByteArray kMixes = NetTemporaryFiles::data("mixes.mtlx");
 
 NetDefinitionLibrary libraryOf(const NetTemporaryFiles& files, const QByteArray& children)
 {

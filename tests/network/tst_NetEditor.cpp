@@ -21,66 +21,19 @@ Q_DECLARE_METATYPE(Maker)
 
 namespace {
 
-const char* const kDefinitions = R"(<?xml version="1.0"?>
-<materialx>
-  <nodedef name="ND_one" node="one"><input name="in" type="float" value="&lt;0.5&gt;"/><input name="name" type="string"/><output name="out" type="float"/></nodedef>
-  <nodedef name="ND_pair" node="pair"><output name="x" type="float"/><output name="y" type="float"/></nodedef>
-  <nodedef name="ND_constant" node="constant"><input name="value" type="string"/><output name="out" type="string"/></nodedef>
-  <nodedef name="ND_text" node="text"><output name="out" type="string"/></nodedef>
-  <nodedef name="ND_dot" node="dot"><input name="in" type="float"/><output name="out" type="float"/></nodedef>
-  <nodedef name="ND_tint" node="tint"><input name="fg" type="color3"/><output name="out" type="color3"/></nodedef>
-  <output name="from_include" type="float"/>
-  <backdrop name="shared_frame" uiname="Shared"/>
-  <backdrop name="covered"/>
-</materialx>
-)";
-
-// A byte order mark stands before it, and lines end with CR LF; the last one does not end. Edits below are written as lines of this.
-const char* const kDocument = R"(<?xml version='1.0' ?>
-<!DOCTYPE materialx>
-<materialx version="1.39">
-  <!-- <one name="a"> is no element -->
-  <xi:include href="definitions.mtlx" />
-
-  <one name="a" type="float" xpos="1.50" ypos="-2" ><!-- kept --></one> <!-- tail -->
-  <one name='b' file="a.<UDIM>.png>" type='float'/>
-  <one   name="c"
-         type="float">
-    <input name="in" type="float" value="1.0" uiname="In" /> <!-- one -->
-    <![CDATA[</one>]]><?note </one> ?>
-
-  </one >
-  <pair name="p" type="multioutput" />
-  <one name="twin" type="float"></one>
-  <one name="twin" type="float"><input name="in" type="float" nodename="p" output="y" /></one>
-  <constant name="k" type="string"/>
-  <text name="t" type="string" />
-  <tint name="tint" type="color3"/>
-  <backdrop name="frame" contains="a, b" xpos="1.0" ypos="2" width="3.50" height='4' doc="old"/>
-  <backdrop name="bare" width="-2"/>
-  <backdrop name="covered" />
-  <nodegraph name="g">
-	<input name="i" type="float" value="2"/>
-	<one name="d" type="float">
-		<input name="in" type="float" interfacename="i"/>
-	</one>
-	<output name="o" type="float" nodename="d"/>
-  </nodegraph>
-  <one name="last" type="float">
-    <input name="in" output="o" nodegraph="g" type="float" />
-  </one>
-  <output name="out" type="float" nodename="a" /></materialx>)";
-
+/// The edited document. Before it stands a byte order mark, its lines end with CR LF, and the last one
+/// does not end. Edits below are written as parts of it.
 QByteArray documentText()
 {
-    return "\xEF\xBB\xBF" + QByteArray(kDocument).replace("\n", "\r\n");
+    return "\xEF\xBB\xBF" + NetTemporaryFiles::data("edited.mtlx").trimmed().replace("\n", "\r\n");
 }
 
 struct Fixture
 {
     explicit Fixture(const QByteArray& bytes = documentText())
     {
-        files.write(QStringLiteral("definitions.mtlx"), kDefinitions);
+        files.write(
+            QStringLiteral("definitions.mtlx"), NetTemporaryFiles::data("definitions.mtlx"));
         path = files.write(QStringLiteral("document.mtlx"), bytes);
         editor = std::make_unique<NetEditor>(NetReader(NetSearchPath()).read(path).document);
     }
@@ -134,7 +87,7 @@ Maker removed(const char* key)
     return [=](NetEditor& editor) { return editor.removeNodes(0, {node(editor, 0, key)}); };
 }
 
-// Of the backdrops in the document above.
+// Of the backdrops in the document.
 enum { Frame, Bare, Covered, Shared };
 
 Maker reworded(NetEditor::ChangePtr (NetEditor::*set)(int, int, const QString&), const char* text)
