@@ -1,17 +1,13 @@
 #pragma once
 
 #include "editor/EditorBackdrops.h"
-#include "editor/EditorScene.h"
 #include "editor/EditorTesting.h"
-#include "editor/EditorView.h"
+#include "editor/EditorUser.h"
 
 #include <OrvCore/OrvUndoManager.h>
 
 #include <QTest>
 #include <QUndoStack>
-
-#include <OrvNodeGraph/OrvNgEdge.h>
-#include <OrvNodeGraph/OrvNgPort.h>
 
 namespace EditorTesting {
 
@@ -20,17 +16,17 @@ inline QUndoStack& history()
     return *OrvUndoManager::instance().undoStack();
 }
 
-/// The document in a view of its own, and a mouse.
-struct Stage
+/// The document in a view of its own, and a user.
+struct Stage : EditorUser
 {
     std::shared_ptr<NetEditor> m_Editor;
     std::unique_ptr<EditorScene> m_Scene;
     EditorView m_View{nullptr};
     QStringList m_Status;
-    Qt::MouseButtons m_Held;
 
     explicit Stage(const QString& file)
-        : m_Editor(std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document))
+        : EditorUser(&m_View)
+        , m_Editor(std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document))
         , m_Scene(std::make_unique<EditorScene>(m_Editor, 0))
     {
         history().clear();
@@ -51,78 +47,6 @@ struct Stage
     {
         history().clear();
         m_View.setScene(nullptr);
-    }
-
-    int index(const char* name) const
-    {
-        const QVector<NetNode>& nodes = m_Scene->scope().nodes;
-        for (int i = 0; i < nodes.size(); ++i) {
-            if (nodes.at(i).name == QLatin1String(name))
-                return i;
-        }
-        return -1;
-    }
-    OrvNgNode* node(const char* name) const { return m_Scene->node(index(name)); }
-    OrvNgPort* port(const char* nodeName, const char* name) const
-    {
-        auto* item = dynamic_cast<OrvNgExtendedNode*>(node(nodeName));
-        OrvNgPort* input = item->inputPort(QLatin1String(name));
-        return input ? input : item->outputPort(QLatin1String(name));
-    }
-    OrvNgEdge* edge(const char* nodeName, const char* input) const
-    {
-        return node(nodeName)->input(QLatin1String(input));
-    }
-    QPoint at(const QPointF& scenePos) const { return m_View.mapFromScene(scenePos); }
-    QPoint atPort(const char* nodeName, const char* name) const
-    {
-        return at(port(nodeName, name)->portRectMappedToScene().center());
-    }
-    QPoint atHeader(const char* name) const
-    {
-        const QRectF header = node(name)->mapRectToScene(node(name)->nodeShapeRect());
-        return at(header.center());
-    }
-
-    void send(QEvent::Type type, const QPoint& pos, Qt::MouseButton button)
-    {
-        QMouseEvent event(
-            type, pos, m_View.viewport()->mapToGlobal(pos), button, m_Held, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_View.viewport(), &event);
-    }
-    void press(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton)
-    {
-        m_Held |= button;
-        send(QEvent::MouseButtonPress, pos, button);
-    }
-    void move(const QPoint& pos)
-    {
-        send(QEvent::MouseMove, pos, Qt::NoButton);
-        QCoreApplication::processEvents();
-    }
-    void release(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton)
-    {
-        m_Held &= ~Qt::MouseButtons(button);
-        send(QEvent::MouseButtonRelease, pos, button);
-    }
-    void click(const QPoint& pos)
-    {
-        press(pos);
-        release(pos);
-    }
-    void drag(const QPoint& from, const QPoint& to)
-    {
-        press(from);
-        for (int i = 1; i <= 4; ++i)
-            move(from + (to - from) * i / 4);
-        move(to); // edges are looked for where the node was before the move
-        release(to);
-    }
-    /// Pulls an edge out of a port and drops it with a second click.
-    void connectPorts(const QPoint& from, const QPoint& to)
-    {
-        drag(from, to);
-        click(to);
     }
 
     /// The connections on the screen, "a>b.in1", in alphabetic order; a dot is called "dot".

@@ -1,17 +1,12 @@
 #include "editor/EditorNavigator.h"
 #include "editor/EditorTesting.h"
-#include "editor/EditorView.h"
+#include "editor/EditorUser.h"
 #include "editor/EditorWindow.h"
 
 #include <OrvCore/OrvUndoManager.h>
 
-#include <QGraphicsPathItem>
-#include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QUndoStack>
-
-#include <OrvNodeGraph/OrvNgEdge.h>
-#include <OrvNodeGraph/OrvNgPort.h>
 
 using namespace EditorTesting;
 
@@ -25,98 +20,6 @@ QByteArray contents(const QString& path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-/// A user in front of the window: names what to take and where to put it, and uses the mouse.
-class User
-{
-public:
-    explicit User(EditorWindow& window)
-        : m_Window(window)
-    {
-    }
-
-    OrvNgNode* node(const char* name) const
-    {
-        const QVector<NetNode>& nodes = m_Window.scene()->scope().nodes;
-        for (int i = 0; i < nodes.size(); ++i) {
-            if (nodes.at(i).name == QLatin1String(name))
-                return m_Window.scene()->node(i);
-        }
-        qFatal("no such node");
-        return nullptr;
-    }
-    QPoint header(const char* name) const
-    {
-        return view(node(name)->mapToScene(node(name)->nodeShapeRect().center()));
-    }
-    QPoint input(const char* name, const char* port) const
-    {
-        return centre(extended(name)->inputPort(QLatin1String(port)));
-    }
-    QPoint output(const char* name, const char* port) const
-    {
-        return centre(extended(name)->outputPort(QLatin1String(port)));
-    }
-    /// The middle of the one connection into a node.
-    QPoint middleOfEdgeInto(const char* name) const
-    {
-        for (OrvNgEdge* edge : node(name)->inputs()) {
-            if (edge->isFullConnected())
-                return view(edge->mainEdge()->path().pointAtPercent(0.5));
-        }
-        qFatal("nothing leads into the node");
-        return {};
-    }
-
-    void moveTo(const QPoint& pos, Qt::MouseButtons held = Qt::LeftButton)
-    {
-        send(QEvent::MouseMove, pos, Qt::NoButton, held);
-    }
-    void click(const QPoint& pos)
-    {
-        send(QEvent::MouseButtonPress, pos, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton);
-    }
-    void dragAlong(const QVector<QPoint>& way)
-    {
-        send(QEvent::MouseButtonPress, way.constFirst(), Qt::LeftButton, Qt::LeftButton);
-        for (int i = 1; i < way.size(); ++i) {
-            moveTo((way.at(i - 1) + way.at(i)) / 2);
-            moveTo(way.at(i));
-        }
-        send(QEvent::MouseButtonRelease, way.constLast(), Qt::LeftButton, Qt::NoButton);
-    }
-    void pull(const QPoint& port, const QPoint& target)
-    {
-        dragAlong({port, target});
-        moveTo(target, Qt::NoButton);
-        click(target);
-    }
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        QTest::keyClick(m_Window.view(), key, modifiers);
-        flush();
-    }
-
-private:
-    OrvNgExtendedNode* extended(const char* name) const
-    {
-        return dynamic_cast<OrvNgExtendedNode*>(node(name));
-    }
-    QPoint view(const QPointF& scenePos) const { return m_Window.view()->mapFromScene(scenePos); }
-    QPoint centre(OrvNgPort* port) const
-    {
-        return view(port->mapToScene(port->portRect().center()));
-    }
-    void send(QEvent::Type type, const QPoint& pos, Qt::MouseButton button, Qt::MouseButtons held)
-    {
-        QWidget* viewport = m_Window.view()->viewport();
-        QMouseEvent event(type, pos, viewport->mapToGlobal(pos), button, held, Qt::NoModifier);
-        QCoreApplication::sendEvent(viewport, &event);
-    }
-
-    EditorWindow& m_Window;
-};
 
 } // namespace
 
@@ -151,15 +54,26 @@ private Q_SLOTS:
             texts.append(text());
             return history.undoText() == QLatin1String(step) && history.count() == texts.size() - 1;
         };
-        User user(window);
+        EditorUser user(window.view());
+        const auto middleOfEdgeInto = [&user](const char* name) {
+            for (OrvNgEdge* edge : user.node(name)->inputs()) {
+                if (edge->isFullConnected())
+                    return user.atMiddle(edge);
+            }
+            return QPoint();
+        };
+        const auto type = [&window](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+            QTest::keyClick(window.view(), key, modifiers);
+            flush();
+        };
 
-        user.dragAlong({user.header("diffuse2"), user.header("diffuse2") + QPoint(-20, 30)});
+        user.dragAlong({user.atHeader("diffuse2"), user.atHeader("diffuse2") + QPoint(-20, 30)});
         QVERIFY2(done("Move node diffuse2"), qPrintable(history.undoText()));
 
         const QPoint across(0, 30);
-        const QPoint first = user.middleOfEdgeInto("base_color_output");
-        const QPoint second = user.middleOfEdgeInto("mtlxnormalmap4");
-        const QPoint third = user.middleOfEdgeInto("normal_output");
+        const QPoint first = middleOfEdgeInto("base_color_output");
+        const QPoint second = middleOfEdgeInto("mtlxnormalmap4");
+        const QPoint third = middleOfEdgeInto("normal_output");
         // Around all others, by the right border.
         const int right = window.view()->viewport()->width() - 5;
         QTest::keyPress(window.view(), Qt::Key_C);
@@ -170,26 +84,26 @@ private Q_SLOTS:
         QVERIFY2(done("Disconnect 3 Edges"), qPrintable(history.undoText()));
         QTest::qWait(100); // the key counts as held for a moment longer
 
-        user.pull(user.output("normal2", "out"), user.input("normal_output", "normal_output"));
+        user.connectPorts(
+            user.atPort("normal2", "out"), user.atPort("normal_output", "normal_output"));
         QVERIFY2(done("Connect normal2.out to normal_output.normal_output"),
             qPrintable(history.undoText()));
 
-        user.dragAlong(
-            {user.header("mtlxnormalmap4"), user.middleOfEdgeInto("normal_output") + QPoint(0, 200),
-                user.middleOfEdgeInto("normal_output")});
+        user.dragAlong({user.atHeader("mtlxnormalmap4"),
+            middleOfEdgeInto("normal_output") + QPoint(0, 200), middleOfEdgeInto("normal_output")});
         QVERIFY2(done("Insert 'mtlxnormalmap4' into 'normal2.out'-'normal_output.normal_output'"),
             qPrintable(history.undoText()));
         QCOMPARE(user.node("normal_output")->inputs().constFirst()->sourceNode(),
             user.node("mtlxnormalmap4"));
 
-        user.pull(
-            user.input("roughness_output", "roughness_output"), user.output("metallic2", "out"));
+        user.connectPorts(
+            user.atPort("roughness_output", "roughness_output"), user.atPort("metallic2", "out"));
         QVERIFY2(done("Moved output roughness_output.roughness_output from roughness2.out to "
                       "metallic2.out"),
             qPrintable(history.undoText()));
-        user.key(Qt::Key_Z, Qt::ControlModifier);
+        type(Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(text(), texts.at(texts.size() - 2));
-        user.key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        type(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(text(), texts.constLast());
 
         QVERIFY(window.isWindowModified());
@@ -197,14 +111,14 @@ private Q_SLOTS:
         QCOMPARE(contents(file), texts.constLast());
         for (int i = texts.size() - 1; i > 0; --i) {
             QCOMPARE(text(), texts.at(i));
-            user.key(Qt::Key_Z, Qt::ControlModifier);
+            type(Qt::Key_Z, Qt::ControlModifier);
         }
         QVERIFY(window.isWindowModified());
         QVERIFY(window.save());
         QCOMPARE(contents(file), original);
         QVERIFY(!window.isWindowModified());
         while (history.canRedo())
-            user.key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+            type(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(text(), texts.constLast());
         history.clear();
     }

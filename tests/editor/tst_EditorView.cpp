@@ -1,5 +1,5 @@
 #include "editor/EditorTesting.h"
-#include "editor/EditorView.h"
+#include "editor/EditorUser.h"
 #include "support/TestTable.h"
 
 #include <QGraphicsScene>
@@ -216,16 +216,7 @@ private Q_SLOTS:
         const auto viewPos = [&](const QPoint& pos) {
             return m_View->mapFromScene(backdrop->mapToScene(body + pos));
         };
-        const auto mouse = [&](QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons) {
-            QWidget* viewport = m_View->viewport();
-            QMouseEvent event(type, viewPos(pos), viewport->mapToGlobal(viewPos(pos)),
-                type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
-            QCoreApplication::sendEvent(viewport, &event);
-        };
-        mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
-        mouse(QEvent::MouseMove, (from + to) / 2, Qt::LeftButton);
-        mouse(QEvent::MouseMove, to, Qt::LeftButton);
-        mouse(QEvent::MouseButtonRelease, to, Qt::NoButton);
+        EditorUser(m_View).drag(viewPos(from), viewPos(to));
         QCOMPARE(backdrop->isSelected(), isTaken);
     }
 

@@ -4,7 +4,7 @@
 #include "editor/EditorPreferencesDialog.h"
 #include "editor/EditorQuestions.h"
 #include "editor/EditorTesting.h"
-#include "editor/EditorView.h"
+#include "editor/EditorUser.h"
 #include "editor/EditorWindow.h"
 #include "network/NetDocument.h"
 #include "support/TestTable.h"
@@ -22,8 +22,6 @@
 #include <QUndoStack>
 
 #include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
-#include <OrvNodeGraph/OrvNgEdge.h>
-#include <OrvNodeGraph/OrvNgPort.h>
 #include <algorithm>
 
 using namespace EditorTesting;
@@ -130,8 +128,8 @@ private Q_SLOTS:
         select("user");
         for (int key = 0; key < 5; ++key) {
             QTest::keyClick(m_Window.get(), static_cast<Qt::Key>(Qt::Key_1 + key));
-            QCOMPARE(static_cast<int>(modeOf(scene->node(indexOf("user")))), key);
-            QCOMPARE(modeOf(scene->node(indexOf("outer"))), Mode::PORT_LIST_COLLAPSED);
+            QCOMPARE(static_cast<int>(modeOf(user().node("user"))), key);
+            QCOMPARE(modeOf(user().node("outer")), Mode::PORT_LIST_COLLAPSED);
         }
     }
 
@@ -142,7 +140,7 @@ private Q_SLOTS:
         QCOMPARE(scopePath(), QStringLiteral("outer"));
         QVERIFY(m_Window->windowTitle().contains(QStringLiteral("outer")));
 
-        OrvNgNode* inner = m_Window->scene()->node(indexOf("inner"));
+        OrvNgNode* inner = user().node("inner");
         const QPointF header = inner->mapRectToScene(inner->nodeShapeRect()).center();
         EditorView* view = m_Window->view();
         QTest::mouseDClick(
@@ -205,7 +203,7 @@ private Q_SLOTS:
         write("changing.mtlx", changed);
         QTest::keyClick(m_Window.get(), Qt::Key_F5);
         QCOMPARE(scopePath(), QStringLiteral("outer/inner"));
-        QVERIFY(indexOf("new") >= 0);
+        QVERIFY(user().index("new") >= 0);
         QCOMPARE(m_Window->view()->transform().m11(), 0.8);
     }
 
@@ -331,11 +329,12 @@ private Q_SLOTS:
         QCOMPARE(undo->text(), QStringLiteral("&Undo Move this && that"));
 
         const QPoint corner(5, 5);
-        press(corner);
+        EditorUser hand = user();
+        hand.press(corner);
         QVERIFY(!undo->isEnabled());
         QTest::keyClick(m_Window.get(), Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(stack()->index(), 1);
-        release(corner);
+        hand.release(corner);
         QTest::keyClick(m_Window.get(), Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(m_Window->navigator()->editor()->text(), before);
         QVERIFY(!m_Window->isWindowModified());
@@ -355,16 +354,17 @@ private Q_SLOTS:
         QFETCH(QString, what);
         EditorScene* scene = m_Window->scene();
         EditorView* view = m_Window->view();
-        OrvNgNode* user = scene->node(indexOf("user"));
-        const OrvNgEdge* edge = this->edge();
+        EditorUser hand = user();
+        OrvNgNode* node = hand.node("user");
+        OrvNgEdge* edge = scene->edgeOf({hand.index("user"), 0});
         select("outer");
         change(); // to a place off every grid
         stack()->clear();
         m_Window->frameAll();
-        const QPointF place = user->pos();
+        const QPointF place = node->pos();
         const QByteArray text = m_Window->navigator()->editor()->text();
-        const QPoint header = viewPos(user->mapRectToScene(user->nodeShapeRect()).center());
-        const QPoint middle = edgeMiddle();
+        const QPoint header = hand.atHeader("user");
+        const QPoint middle = hand.atMiddle(edge);
 
         auto* grid = OrvShaderNetworkManager::instance();
         grid->setSnapToGrid(what.contains(QLatin1String("grid")));
@@ -377,32 +377,31 @@ private Q_SLOTS:
             QTest::keyPress(view, Qt::Key_C);
         }
         if (what == QLatin1String("edge")) {
-            auto* source = dynamic_cast<OrvNgExtendedNode*>(scene->node(indexOf("outer")));
-            OrvNgPort* port = source->outputPort(source->outputPoints().constFirst());
-            view->pickUpEdge(viewPos(port->mapToScene(port->portRect().center())));
+            const QByteArray point = hand.node("outer")->outputPoints().constFirst().toUtf8();
+            view->pickUpEdge(hand.atPort("outer", point.constData()));
             QVERIFY(dynamic_cast<OrvNgEdge*>(scene->mouseGrabberItem()));
         } else {
-            press(from);
-            drag(from, to);
+            hand.press(from);
+            hand.moveAlong({from, to});
         }
         if (what.startsWith(QLatin1String("node")))
-            QVERIFY((user->pos() - place).manhattanLength() > 50);
+            QVERIFY((node->pos() - place).manhattanLength() > 50);
         if (what == QLatin1String("band"))
-            QVERIFY(user->isSelected());
+            QVERIFY(node->isSelected());
 
         QTest::keyClick(view, Qt::Key_Escape);
         QVERIFY(!scene->mouseGrabberItem());
-        drag(to, from);
-        release(from);
+        hand.moveAlong({to, from});
+        hand.release(from);
         QTest::keyRelease(view, Qt::Key_C);
         grid->setSnapToGrid(false);
         flush();
-        QCOMPARE(user->pos(), place);
+        QCOMPARE(node->pos(), place);
         QCOMPARE(stack()->count(), 0);
         QCOMPARE(m_Window->navigator()->editor()->text(), text);
-        QCOMPARE(edge->sourceNode(), scene->node(indexOf("outer")));
+        QCOMPARE(edge->sourceNode(), hand.node("outer"));
         if (what == QLatin1String("band"))
-            QCOMPARE(scene->selectedNodes(), EditorScene::Nodes{scene->node(indexOf("outer"))});
+            QCOMPARE(scene->selectedNodes(), EditorScene::Nodes{hand.node("outer")});
     }
 
     void dotKey_marksTheSceneOnShowOnly()
@@ -560,19 +559,10 @@ private:
     {
         return writeFile(QDir(m_Folder.path()), QString::fromLatin1(name), text);
     }
-    int indexOf(const char* name) const
-    {
-        const NetScope& scope = m_Window->scene()->scope();
-        for (int i = 0; i < scope.nodes.size(); ++i) {
-            if (scope.nodes.at(i).name == QLatin1String(name))
-                return i;
-        }
-        return -1;
-    }
     void select(const char* name)
     {
         m_Window->scene()->clearSelection();
-        m_Window->scene()->node(indexOf(name))->setSelected(true);
+        user().node(name)->setSelected(true);
     }
     /// Moves a node by an undo step.
     void change(const char* name = "user")
@@ -580,7 +570,7 @@ private:
         const std::shared_ptr<NetEditor> editor = m_Window->navigator()->editor();
         const int scope = m_Window->navigator()->scopeIndex();
         QVERIFY(EditorCommand::push(editor,
-            editor->moveNodes(scope, {{indexOf(name), QPointF(123.5, -7)}}),
+            editor->moveNodes(scope, {{user().index(name), QPointF(123.5, -7)}}),
             QStringLiteral("Move this & that")));
         QVERIFY(m_Window->isWindowModified());
     }
@@ -602,30 +592,7 @@ private:
         }
         return nullptr;
     }
-    OrvNgEdge* edge() const { return m_Window->scene()->edgeOf({indexOf("user"), 0}); }
-    QPoint edgeMiddle() const
-    {
-        QGraphicsPathItem* line = edge()->mainEdge();
-        return viewPos(line->mapToScene(line->path().pointAtPercent(0.5)));
-    }
-    QPoint viewPos(const QPointF& scenePos) const
-    {
-        return m_Window->view()->mapFromScene(scenePos);
-    }
-    void mouse(QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons)
-    {
-        QWidget* viewport = m_Window->view()->viewport();
-        QMouseEvent event(type, pos, viewport->mapToGlobal(pos),
-            type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(viewport, &event);
-    }
-    void press(const QPoint& pos) { mouse(QEvent::MouseButtonPress, pos, Qt::LeftButton); }
-    void release(const QPoint& pos) { mouse(QEvent::MouseButtonRelease, pos, Qt::NoButton); }
-    void drag(const QPoint& from, const QPoint& to)
-    {
-        for (int i = 1; i <= 8; ++i)
-            mouse(QEvent::MouseMove, from + (to - from) * i / 8, Qt::LeftButton);
-    }
+    EditorUser user() const { return EditorUser(m_Window->view()); }
     QString scopePath() const { return m_Window->scene()->scope().path; }
 
     QTemporaryDir m_Folder;
