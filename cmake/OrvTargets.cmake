@@ -23,7 +23,7 @@ function(orv_target_defaults TARGET)
             string(APPEND SANITIZERS ,float-divide-by-zero,float-cast-overflow)
         endif()
         target_compile_options(${TARGET} PRIVATE
-            -O1 -fno-omit-frame-pointer -fsanitize=${SANITIZERS} -fno-sanitize-recover=all)
+            -O1 -g1 -fno-omit-frame-pointer -fsanitize=${SANITIZERS} -fno-sanitize-recover=all)
         target_compile_definitions(${TARGET} PRIVATE QT_FORCE_ASSERTS _GLIBCXX_ASSERTIONS)
         target_link_options(${TARGET} PRIVATE -fsanitize=${SANITIZERS})
     endif()
