@@ -12,7 +12,7 @@ QString doubleSizePath(const QString& path)
 {
     const QString suffix = QFileInfo(path).suffix();
     const int nameEnd = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
-    return path.left(nameEnd) + QLatin1String("@2x") + path.mid(nameEnd);
+    return path.left(nameEnd) + QStringLiteral("@2x") + path.mid(nameEnd);
 }
 
 } // namespace

@@ -223,8 +223,7 @@ void OrvNgBackdropNode::deselectUnusedChildren(const QList<QPointer<OrvNgNode>>&
     QSet<OrvNgNode*> present;
     for (const QPointer<OrvNgNode>& child : qAsConst(m_Children))
         present.insert(child);
-    const QList<QPointer<OrvNgNode>> former = formerChildren; // listeners may refresh again
-    for (const QPointer<OrvNgNode>& node : former) {
+    for (const QPointer<OrvNgNode>& node : formerChildren) {
         if (node && !present.contains(node))
             node->setSelected(false);
     }

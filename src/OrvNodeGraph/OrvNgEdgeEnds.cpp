@@ -18,7 +18,7 @@ QString collapsedPlace()
 /// Never equal to collapsedPlace(), whatever the cluster is called.
 QString clusterPlace(const QString& cluster)
 {
-    return QLatin1String("cluster:") + cluster;
+    return QStringLiteral("cluster:") + cluster;
 }
 
 } // namespace

@@ -83,7 +83,7 @@ QRgb* pixelRow(QImage& image, int y)
 /// horizontal ones, so that one of each tells the whole grid.
 bool isUniform(const QPainter* painter, const QRectF& rect)
 {
-    const QTransform device = painter->deviceTransform();
+    const QTransform& device = painter->deviceTransform();
     const QRectF area = device.mapRect(rect);
     return painter->paintEngine()->type() == QPaintEngine::Raster
         && device.type() <= QTransform::TxScale && device.m11() > 0.0 && device.m22() > 0.0
@@ -188,7 +188,7 @@ QImage GridStrip::stamp(const QVector<double>& lines, int length) const
         const int place = int((at * m_Scale + m_Offset) * kPhases); // towards 0, as Qt rounds it
         const int phase = place & (kPhases - 1);
         const int first = (place - phase) / kPhases - 1;
-        const QRgb* const touched = allTouched + phase * kStampPitch;
+        const QRgb* const touched = allTouched + qptrdiff(phase) * kStampPitch;
         for (int i = qMax(0, -first); i < 3 && first + i < length; ++i) {
             if (touched[i] != 0)
                 pixels[first + i] = blended(touched[i], pixels[first + i]);
@@ -278,8 +278,8 @@ QVector<QRgb> OrvNgGrid::assignRows(const QImage& down, int height)
     m_RowAt.resize(height);
     for (int y = 0; y < height; ++y) {
         const QRgb color = strip[y % down.width()];
-        auto row = rowOf.constFind(color);
-        if (row == rowOf.constEnd()) {
+        auto row = rowOf.find(color);
+        if (row == rowOf.end()) {
             row = rowOf.insert(color, colors.size());
             colors.append(color);
         }

@@ -17,6 +17,7 @@ class QGraphicsTextItem;
 class ORVNODEGRAPH_EXPORT OrvNgUINode : public OrvNgNode
 {
     Q_OBJECT
+    // clazy:excludeall=qproperty-without-notify
     Q_PROPERTY(QColor nodeBackgroundColour READ nodeBackgroundColour WRITE setNodeBackgroundColour)
     Q_PROPERTY(QString label READ label WRITE setLabel)
 

@@ -66,7 +66,7 @@ bool isReachable(const QPointF& scenePos)
 QCursor razorCursor()
 {
     const QPixmap pixmap = OrvPixmap::createQPixmapFromPath(
-        OrvResourceInfo::instance().iconPath() + QLatin1String("/Razor.png"));
+        OrvResourceInfo::instance().iconPath() + QStringLiteral("/Razor.png"));
     return pixmap.isNull() ? QCursor(Qt::CrossCursor) : QCursor(pixmap, 7, 26);
 }
 

@@ -176,7 +176,7 @@ protected Q_SLOTS:
     void severEdgesAlongPath(const QList<QPointF>& Path);
     /// The host enters and leaves CURSOR_TRACKING_SEVER_EDGES, for instance while a key is held.
     /// What has been tracked is dropped.
-    void setCursorTrackingMode(OrvCursorTrackingMode Mode);
+    void setCursorTrackingMode(OrvNgView::OrvCursorTrackingMode Mode);
 
 protected:
     OrvCursorTrackingMode cursorTrackingMode() { return m_CursorTrackingMode; }
