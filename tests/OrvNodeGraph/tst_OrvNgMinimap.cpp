@@ -242,22 +242,6 @@ private Q_SLOTS:
         stage.settle();
         QVERIFY(map() != bare);
     }
-
-    /// An edge between two device pixels of a single logical one stays sharp.
-    void picture_hasTheScreensPixels()
-    {
-        QGraphicsScene scene;
-        scene.addRect(QRectF(0, 0, 10.5, 50), Qt::NoPen, QColor(Qt::red));
-        const OrvNgMinimapFrame frame(
-            QSize(400, 250), QSize(400, 250), QRectF(0, 0, 80, 50), 80.0 / 50.0);
-        QImage image(800, 500, QImage::Format_ARGB32_Premultiplied);
-        image.setDevicePixelRatio(2.0);
-        QPainter painter(&image);
-        OrvNgMinimap().paint(&painter, frame, &scene, QRectF(), Qt::black, 2.0);
-        const QPoint edge = (frame.m_Rect.topLeft() + QPoint(10, 20)) * 2;
-        QCOMPARE(image.pixelColor(edge), QColor(Qt::red));
-        QCOMPARE(image.pixelColor(edge + QPoint(1, 0)), QColor(Qt::black));
-    }
 };
 
 QTEST_MAIN(tst_OrvNgMinimap)

@@ -17,11 +17,6 @@ QGraphicsSimpleTextItem* textOf(const OrvNgPort& port)
     return dynamic_cast<QGraphicsSimpleTextItem*>(port.childItems().value(0));
 }
 
-QColor squareColor(OrvNgPort& port)
-{
-    return painted(port).pixelColor(port.portRect().center().toPoint());
-}
-
 } // namespace
 
 class tst_OrvNgPort : public QObject
@@ -61,50 +56,6 @@ private Q_SLOTS:
         QVERIFY(port.minimumWidth() > 4 * kSquareWidth);
         static_cast<QGraphicsItem&>(port).setVisible(false);
         QCOMPARE(port.maximumHeight(), 0.0);
-    }
-
-    void square_showsConnection_data()
-    {
-        const TestTable<QString, int, QColor> row("input", "mode", "expected");
-        const OrvNgStyle& style = OrvNgStyle::instance();
-        const int expanded = OrvNgExtendedNode::PORT_LIST_EXPANDED;
-        const int grouped = OrvNgExtendedNode::PORT_LIST_GROUPED;
-        const QString empty = QStringLiteral("empty");
-        row("free input", kA, expanded, style.getPortNoConnectionColor());
-        row("connected input", kB, expanded, style.getPortColor());
-        row("cluster with a connected member, grouped", kGroup, grouped,
-            style.getClusteredPortColor());
-        row("the same cluster, expanded", kGroup, expanded,
-            style.getClusteredPortNoConnectionColor());
-        row("cluster without connection", empty, grouped,
-            style.getClusteredPortNoConnectionColor());
-    }
-    void square_showsConnection()
-    {
-        QFETCH(QString, input);
-        QFETCH(int, mode);
-        QFETCH(QColor, expected);
-        ExtendedRig rig;
-        rig.m_Node->setInputPortClusterMap(
-            {{kGroup, {kB}}, {QStringLiteral("empty"), {kA, QStringLiteral("missing")}}});
-        rig.setMode(mode);
-        rig.connectInput(kB);
-        OrvNgPort* port = rig.m_Node->inputPort(input);
-        port->setVisible(true);
-        QCOMPARE(squareColor(*port), expected);
-
-        port->setSpecialPortColor(QColor(1, 2, 3));
-        QCOMPARE(squareColor(*port), QColor(1, 2, 3));
-        port->setSpecialPortColor(QColor());
-        QCOMPARE(squareColor(*port), expected);
-
-        const OrvNgStyle& style = OrvNgStyle::instance();
-        QCOMPARE(squareColor(*rig.m_Source->outputPort(kOut)), style.getPortColor());
-        // The tail of an output, which has no destination, does not count.
-        rig.m_Node->setOutputPortVisible(kRest, true);
-        QCOMPARE(squareColor(*rig.m_Node->outputPort(kRest)), style.getPortNoConnectionColor());
-        OrvNgInputPort stray(rig.m_Node, QString(), QStringLiteral("unknown"), false);
-        QCOMPARE(squareColor(stray), style.getPortNoConnectionColor());
     }
 };
 
