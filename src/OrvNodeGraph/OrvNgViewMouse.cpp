@@ -266,14 +266,15 @@ void OrvNgView::mouseMoveEvent(QMouseEvent* event)
     if (moveDrawsSeverPath(event))
         return;
     detectShake();
+    if (event->buttons() == Qt::NoButton) { // a release may have been lost
+        cancelNavigation();
+        cancelDragSelect();
+        giveUpLostGrab();
+    }
     followMinimapDrag(event->pos());
     followHover(event->pos());
     followZoomDrag(event);
     advanceWhileDragging(true);
-    if (event->buttons() == Qt::NoButton) {
-        cancelDragSelect();
-        giveUpLostGrab();
-    }
     if (!moveDrawsBand(event))
         QGraphicsView::mouseMoveEvent(event);
 }
@@ -597,14 +598,15 @@ void OrvNgView::setCursorTrackingMode(OrvCursorTrackingMode Mode)
 {
     if (Mode == m_CursorTrackingMode || Mode < CURSOR_TRACKING_NONE || Mode > CURSOR_TRACKING_SHAKE)
         return;
-    const bool wasDrawing = drawingEdgeSeverPath();
+    // Also without a path: another button may be held, whose release then comes too late.
+    const bool wasCutting = m_CursorTrackingMode == CURSOR_TRACKING_SEVER_EDGES;
     clearTracking();
     m_CursorTrackingMode = Mode;
     if (Mode == CURSOR_TRACKING_SEVER_EDGES)
         setCursor(m_RazorCursor);
     else
         unsetCursor();
-    if (wasDrawing)
+    if (wasCutting)
         setInteractive(true);
 }
 
@@ -715,9 +717,8 @@ void OrvNgView::severEdgesAlongPath(const QList<QPointF>& Path)
 void OrvNgView::endEditing()
 {
     cancelDragSelect();
-    const bool wasDrawing = drawingEdgeSeverPath();
     clearTracking();
-    if (wasDrawing)
+    if (m_CursorTrackingMode == CURSOR_TRACKING_SEVER_EDGES)
         setInteractive(true);
     if (m_CursorTrackingMode == CURSOR_TRACKING_SHAKE)
         setCursorTrackingMode(CURSOR_TRACKING_NONE);

@@ -169,11 +169,16 @@ private Q_SLOTS:
             s.press({50, 50}, Qt::MiddleButton, Qt::AltModifier);
             s.move({60, 60}, Qt::MiddleButton);
         };
+        const auto holdingRight = [](ViewStage& s) {
+            s.m_View.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
+            s.press({5, 50}, Qt::RightButton);
+        };
         const QList<QPair<const char*, Begin>> begins{{"band", onEmpty}, {"cut", cutting},
-            {"drag", dragging}, {"hover", hovering}, {"pan", panning}, {"zoom", zooming}};
+            {"cut without path", holdingRight}, {"drag", dragging}, {"hover", hovering},
+            {"pan", panning}, {"zoom", zooming}};
         for (const auto& begin : begins) {
-            for (const char* ending :
-                {"focus", "hide", "no scene", "other scene", "deleted scene", "right button"})
+            for (const char* ending : {"focus", "hide", "no scene", "other scene", "deleted scene",
+                     "right button", "lost release"})
                 row(qPrintable(q("%1, %2").arg(q(begin.first), q(ending))), begin.second, ending);
         }
     }
@@ -212,6 +217,9 @@ private Q_SLOTS:
             view.setScene(&other);
         } else if (ending == q("deleted scene")) {
             scene.reset();
+        } else if (ending == q("lost release")) {
+            view.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_NONE);
+            QVERIFY(stage.isAtRest());
         } else {
             stage.press({100, 30}, Qt::RightButton);
             stage.release({100, 30}, Qt::RightButton);
