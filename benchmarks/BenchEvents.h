@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QWidget>
+
+#include <malloc.h>
+
+inline void benchRunDueEvents()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+}
+
+/// What the process has allocated and not freed.
+inline double benchHeapBytes()
+{
+    return double(mallinfo2().uordblks) + double(mallinfo2().hblkhd);
+}
+
+/// As the platform sends it to a viewport; held is the state of the left button after the event.
+inline void benchSendMouse(QWidget* viewport, QEvent::Type type, const QPoint& viewPos, bool held)
+{
+    QMouseEvent event(type, viewPos, viewport->mapToGlobal(viewPos),
+        type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+        held ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &event);
+}
