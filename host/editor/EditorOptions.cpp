@@ -39,6 +39,14 @@ const QCommandLineOption& screenshotOption()
     return s_Option;
 }
 
+const QCommandLineOption& measureOption()
+{
+    static const QCommandLineOption s_Option(QStringLiteral("measure"),
+        tr("Pan, zoom, drag and select in the document, print how long the frames take, and leave. "
+           "Nothing is changed or saved."));
+    return s_Option;
+}
+
 const QCommandLineOption& sizeOption()
 {
     static const QCommandLineOption s_Option(
@@ -70,8 +78,8 @@ void describe(QCommandLineParser* parser)
            "connection or include of it leads nowhere, or the picture cannot be written."));
     parser->addHelpOption();
     parser->addVersionOption();
-    parser->addOptions({searchPathOption(), graphOption(), screenshotOption(), sizeOption(),
-        zoomOption(), modeOption()});
+    parser->addOptions({searchPathOption(), graphOption(), screenshotOption(), measureOption(),
+        sizeOption(), zoomOption(), modeOption()});
     parser->addPositionalArgument(
         tr("FILE"), tr("The document; without it a sample is shown."), tr("[FILE]"));
 }
@@ -121,6 +129,8 @@ QString readValues(const QCommandLineParser& parser, EditorOptions* options)
         return rangeError(modeOption(), mode, 0, kLastMode);
     if (parser.isSet(screenshotOption()) && parser.value(screenshotOption()).isEmpty())
         return tr("--screenshot: the name of the picture is missing.");
+    if (parser.isSet(screenshotOption()) && parser.isSet(measureOption()))
+        return tr("--screenshot and --measure exclude each other.");
     if (parser.positionalArguments().size() > 1)
         return tr("Only one document can be shown.");
     return {};
@@ -151,6 +161,7 @@ EditorOptions EditorOptions::parse(const QStringList& arguments)
     options.file = parser.positionalArguments().value(0);
     options.searchPath = parser.values(searchPathOption());
     options.graph = parser.value(graphOption());
+    options.isMeasurement = parser.isSet(measureOption());
     options.screenshot = parser.value(screenshotOption());
     return options;
 }

@@ -15,6 +15,7 @@ struct EditorOptions
     QStringList searchPath;
     QString graph; ///< empty: the scope worth showing first
     QString screenshot; ///< empty: open a window
+    bool isMeasurement = false; ///< replay gestures, print how long their frames take, and leave
     QSize size{1600, 1000}; ///< of the window, in pixels
     bool hasSize = false; ///< the line asks for the size
     int zoom = 0; ///< percent; 0 frames everything

@@ -1,3 +1,4 @@
+#include "editor/EditorMeasurement.h"
 #include "editor/EditorNavigator.h"
 #include "editor/EditorOptions.h"
 #include "editor/EditorSamples.h"
@@ -31,7 +32,7 @@ void printLine(FILE* stream, const QString& text)
 bool runsWithoutDisplay(int argc, char** argv)
 {
     return std::any_of(argv + 1, argv + std::max(1, argc), [](const char* argument) {
-        for (const char* name : {"--screenshot", "--help", "-h", "--version", "-v"}) {
+        for (const char* name : {"--screenshot", "--measure", "--help", "-h", "--version", "-v"}) {
             const std::size_t length = std::strlen(name);
             if (std::strncmp(argument, name, length) == 0
                 && (argument[length] == '\0' || argument[length] == '='))
@@ -101,6 +102,20 @@ int makePicture(EditorWindow* window, const EditorOptions& options)
     return error.isEmpty() && isWhole ? 0 : kFailure;
 }
 
+int measure(EditorWindow* window)
+{
+    if (!window->scene()) {
+        printLine(
+            stderr, QCoreApplication::translate("main", "There is no document to measure with."));
+        return kFailure;
+    }
+    print(stdout, EditorMeasurement::table(window));
+    if (!window->isWindowModified())
+        return 0;
+    printLine(stderr, QCoreApplication::translate("main", "The gestures left a change behind."));
+    return kFailure;
+}
+
 int run(QApplication* application)
 {
     const EditorOptions options = EditorOptions::parse(QCoreApplication::arguments());
@@ -115,16 +130,19 @@ int run(QApplication* application)
     EditorTheme::apply(application);
     EditorWindow window(NetSearchPath::withEnvironment(options.searchPath));
     window.navigator()->setInitialMode(static_cast<EditorScene::Mode>(options.mode));
-    // A picture shows the same on every machine, and leaves nothing behind.
+    // Pictures and measurements are the same on every machine, and leave nothing behind.
     const bool isPicture = !options.screenshot.isEmpty();
-    if (!isPicture)
+    const bool isForUser = !isPicture && !options.isMeasurement;
+    if (isForUser)
         window.useSettings(EditorSettings(std::make_unique<QSettings>()));
-    if (isPicture || options.hasSize || !window.restorePlace())
+    if (!isForUser || options.hasSize || !window.restorePlace())
         window.resize(options.size);
     if (!open(&window, options))
         return kFailure;
     if (isPicture)
         return makePicture(&window, options);
+    if (options.isMeasurement)
+        return measure(&window);
     if (options.zoom > 0 && window.scene())
         window.view()->lookAt(EditorScene::middleOf(window.scene()->nodes()), options.zoom / 100.0);
     window.show();

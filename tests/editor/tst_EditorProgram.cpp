@@ -56,7 +56,7 @@ private Q_SLOTS:
         QCOMPARE(QFile::exists(shot), isDrawn);
         QCOMPARE(!QImage(shot).isNull(), isDrawn);
         if (!isDrawn) // else a window would stay open
-            outcomes.append(run({bad}));
+            outcomes += {run({bad}), run({QStringLiteral("--measure"), bad})};
         for (const Outcome& outcome : qAsConst(outcomes)) {
             QCOMPARE(outcome.code, 2);
             QVERIFY2(outcome.errors.contains(place), qPrintable(outcome.errors));
@@ -80,6 +80,31 @@ private Q_SLOTS:
                 colourful += image.pixelColor(x, y).saturation() > 100 ? 1 : 0;
         }
         QVERIFY2(colourful > 40, qPrintable(QString::number(colourful)));
+    }
+
+    void measurement_printsFrameTimesAndKeepsTheDocument()
+    {
+        QFile sample(samplePath("garden_wall.mtlx"));
+        QVERIFY(sample.open(QIODevice::ReadOnly));
+        const QByteArray text = sample.readAll();
+        const QString copy = writeFile(QDir(m_Folder.path()), QStringLiteral("wall.mtlx"), text);
+        const Outcome outcome
+            = run(QStringLiteral("--measure --graph clay --size 700x500").split(QLatin1Char(' '))
+                << copy);
+        QVERIFY2(outcome.code == 0, qPrintable(outcome.errors)); // 2 if a change were left behind
+        QVERIFY(QFile(copy).size() == text.size());
+        QVERIFY(outcome.output.startsWith(QStringLiteral("wall.mtlx: ")));
+        const QStringList lines = outcome.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 9); // two about the circumstances, the columns, six gestures
+        for (const QString& line : lines.mid(3)) {
+            const QStringList cells = line.mid(24).simplified().split(QLatin1Char(' '));
+            QCOMPARE(cells.size(), 5);
+            QVERIFY2(cells.at(0).toInt() >= 30, qPrintable(line));
+            for (int i = 1; i < 5; ++i) // a frame takes time, and percentiles rise
+                QVERIFY2(cells.at(i).toDouble() > 0
+                        && (i == 1 || cells.at(i).toDouble() >= cells.at(i - 1).toDouble()),
+                    qPrintable(line));
+        }
     }
 
     void withoutDisplay_saysHowToGoOn()
@@ -115,6 +140,7 @@ private:
     {
         int code = -1;
         QString errors;
+        QString output;
     };
     /// The user's own settings stay out of it.
     QProcessEnvironment environment() const
@@ -136,7 +162,8 @@ private:
         program.start(QStringLiteral(ORV_EDITOR_PROGRAM), arguments);
         if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
             return {};
-        return {program.exitCode(), QString::fromLocal8Bit(program.readAllStandardError())};
+        return {program.exitCode(), QString::fromLocal8Bit(program.readAllStandardError()),
+            QString::fromLocal8Bit(program.readAllStandardOutput())};
     }
 
     QString path(const char* name) const
