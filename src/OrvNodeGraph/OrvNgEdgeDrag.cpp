@@ -302,8 +302,9 @@ OrvNgEdge::DropResult OrvNgEdge::choose(
     for (const QString& point : points) {
         const QString text
             = isDest ? node->inputPointPrettyName(point) : node->outputPointPrettyName(point);
-        QAction* action
-            = addChoice(menu, text, isDest ? kInputName : kOutputPointName, point, node);
+        // A dot's points are without a label, but an entry needs one.
+        QAction* action = addChoice(menu, text.isEmpty() ? point : text,
+            isDest ? kInputName : kOutputPointName, point, node);
         action->setChecked(isDest ? OrvNgEdgeWiring::isSameConnection(*this, *node->input(point))
                                   : isPresentSource(node, point));
     }

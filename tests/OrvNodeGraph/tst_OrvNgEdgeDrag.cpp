@@ -1,3 +1,4 @@
+#include "OrvNodeGraph/OrvNgDotNode.h"
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
@@ -493,6 +494,15 @@ private Q_SLOTS:
         rig.pull(rig.outPort("S", "o"), rig.header("N"));
         QCOMPARE(rig.m_MenuEntries, QStringList({QStringLiteral("*x"), QStringLiteral("last")}));
         QCOMPARE(rig.m_Heard, QStringList(QStringLiteral("N.last=S.o")));
+
+        auto* dot = new OrvNgDotNode(nullptr); // whose first point has no label
+        rig.m_Scene.addItem(dot);
+        for (const char* input : {"Input", "mask"})
+            dot->createInput(QLatin1String(input), false, {});
+        rig.inMenu("Input");
+        rig.pull(rig.outPort("S", "o"), dot->sceneBoundingRect().center());
+        QCOMPARE(rig.m_MenuEntries, QStringList({QStringLiteral("Input"), QStringLiteral("mask")}));
+        QCOMPARE(dot->input(QStringLiteral("Input"))->sourceNode(), rig["S"]);
     }
 
     void looseEnd_staysOnTheCursorWhileNodesMove()
