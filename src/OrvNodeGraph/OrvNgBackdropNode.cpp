@@ -525,7 +525,7 @@ QColor OrvNgBackdropNode::hoveredOutlineColor()
     return adjustedBackgroundColor();
 }
 
-bool OrvNgBackdropNode::isMinimapRendering()
+bool OrvNgBackdropNode::isMinimapRendering() const
 {
     const QList<QGraphicsView*> views = scene() ? scene()->views() : QList<QGraphicsView*>();
     const auto* view = views.isEmpty() ? nullptr : qobject_cast<OrvNgView*>(views.constFirst());

@@ -119,7 +119,7 @@ public:
     void setSelected(bool selected, bool withChildren) override;
 
     /// Whether the first view of the scene renders its minimap at the moment.
-    bool isMinimapRendering();
+    bool isMinimapRendering() const;
 
     QRectF boundingRect() const override { return m_Rect; }
     QPainterPath shape() const override;

@@ -98,7 +98,7 @@ void OrvNgBackdropTitleTextItem::paint(QPainter* painter, const QStyleOptionGrap
     const double growth = growthAt(scale);
     if (font().pixelSize() * scale * growth < kVisiblePixels || m_Line.isEmpty())
         return;
-    auto* backdrop = dynamic_cast<OrvNgBackdropNode*>(parentItem());
+    const auto* backdrop = dynamic_cast<const OrvNgBackdropNode*>(parentItem());
     if (backdrop && backdrop->isMinimapRendering())
         return;
     fitTo(growth);
