@@ -6,6 +6,8 @@
 #include <QPoint>
 #include <QString>
 
+#include <cmath>
+
 /// Internal. What a node knows by name about the connection points of one of its sides.
 ///
 /// A plain value: the four tables are replaced whole by the host, and the queries answer for every name,
@@ -29,8 +31,13 @@ public:
     /// Both offsets are (0, 0) for an unknown name: the point lies in the node's centre.
     Position position(const QString& name) const { return m_Positions.value(name); }
 
-    /// Where along the edge its label sits, 0 (source) to 1 (destination); halfway for an unknown name.
-    float textPosition(const QString& name) const { return m_TextPositions.value(name, 0.5F); }
+    /// Where along the edge its label sits, 0 (source) to 1 (destination); halfway for an unknown name and
+    /// for what is not a number.
+    float textPosition(const QString& name) const
+    {
+        const float position = m_TextPositions.value(name, 0.5F);
+        return std::isfinite(position) ? position : 0.5F;
+    }
 
     /// The name itself where no table entry, or an empty one, stands for it.
     QString prettyName(const QString& name) const { return entryOrName(m_PrettyNames, name); }

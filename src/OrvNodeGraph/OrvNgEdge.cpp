@@ -167,24 +167,20 @@ void OrvNgEdge::setSourceNode(OrvNgNode* node, const QString& outputPoint)
             node->registerOutputEdge(this);
     }
     m_SourceOutputPoint = outputPoint;
-    connectionChanged();
-    refreshSiblings(oldSource, oldPoint);
-    if (oldSource != node)
-        OrvNgEdgeEnds::connectionsChanged(oldSource);
+    connectionChanged(oldSource, oldPoint, m_HomeNode);
 }
 
 void OrvNgEdge::setDestNode(OrvNgNode* node)
 {
     if (m_IsDestroyed || (m_DestNode == node && m_HomeNode == node))
         return;
-    const QPointer<OrvNgNode> oldDest(m_DestNode);
+    const QPointer<OrvNgNode> oldHome(m_HomeNode);
     leaveHome();
     m_DestNode = node;
     m_HomeNode = node;
     if (node)
         node->registerInputEdge(this);
-    connectionChanged();
-    OrvNgEdgeEnds::connectionsChanged(oldDest);
+    connectionChanged(m_SourceNode, m_SourceOutputPoint, oldHome);
 }
 
 bool OrvNgEdge::isFullConnected() const
@@ -206,8 +202,12 @@ void OrvNgEdge::nodeGone(OrvNgNode* node)
         destroy();
         return;
     }
-    if (m_SourceNode != node)
-        return;
+    if (m_SourceNode == node)
+        outputGone();
+}
+
+void OrvNgEdge::outputGone()
+{
     if (isUnconnectedStub())
         destroy();
     else
@@ -235,34 +235,45 @@ void OrvNgEdge::leaveNodes()
     leaveSource();
     leaveHome();
     m_DestNode.clear();
-    refreshSiblings(source, m_SourceOutputPoint);
+    refreshSiblings(source, m_SourceOutputPoint, home);
     OrvNgEdgeEnds::connectionsChanged(source);
     OrvNgEdgeEnds::connectionsChanged(home);
 }
 
-void OrvNgEdge::connectionChanged()
+// The nodes come last: which label of several edges on one line shows depends on which edge does.
+void OrvNgEdge::connectionChanged(const QPointer<OrvNgNode>& oldSource, const QString& oldPoint,
+    const QPointer<OrvNgNode>& oldHome)
 {
     invalidateAdjustment();
     adjust();
     setEdgeColor();
-    refreshSiblings(m_SourceNode, m_SourceOutputPoint);
+    refreshSiblings(oldSource, oldPoint, oldHome);
+    refreshSiblings(m_SourceNode, m_SourceOutputPoint, m_HomeNode);
     OrvNgEdgeEnds::connectionsChanged(m_SourceNode);
     OrvNgEdgeEnds::connectionsChanged(m_DestNode);
+    if (oldSource != m_SourceNode)
+        OrvNgEdgeEnds::connectionsChanged(oldSource);
+    if (oldHome != m_HomeNode)
+        OrvNgEdgeEnds::connectionsChanged(oldHome);
 }
 
 // Other edges show or hide with this one: the unconnected tail of the same output, and the edges that lie
-// on the same line because their nodes merge several points into one place.
-void OrvNgEdge::refreshSiblings(OrvNgNode* source, const QString& outputPoint)
+// on the same line because their nodes merge several points into one place. home is the node whose input
+// this edge is, or was.
+void OrvNgEdge::refreshSiblings(
+    OrvNgNode* source, const QString& outputPoint, const OrvNgNode* home)
 {
-    if (!source)
-        return;
+    if (!source || source->isBeingDeleted())
+        return; // all of its edges go
+    if (home && home->isBeingDeleted())
+        home = nullptr;
     const QList<OrvNgEdge*> edges = source->m_Outputs;
     for (OrvNgEdge* edge : edges) {
         if (edge == this)
             continue;
         const bool isTail = edge->isUnconnectedStub() && edge->m_SourceOutputPoint == outputPoint;
-        const bool liesBeside = edge->m_DestNode && edge->m_DestNode == m_HomeNode
-            && !OrvNgEdgeEnds::sharedInputPlace(m_HomeNode, edge->m_Text).isEmpty();
+        const bool liesBeside = home && edge->m_DestNode == home
+            && !OrvNgEdgeEnds::sharedInputPlace(edge->m_DestNode, edge->m_Text).isEmpty();
         if (isTail || liesBeside)
             edge->setVisibilityForItems();
     }
@@ -276,8 +287,10 @@ void OrvNgEdge::setText(const QString& text, const QString& prettyText)
         invalidateAdjustment();
     m_Text = text;
     m_PrettyText = prettyText;
-    if (m_Label)
+    if (m_Label) {
         m_Label->setText(prettyText);
+        positionText(m_LabelFraction); // its size has changed
+    }
     adjust();
     updateLabel();
 }
@@ -298,7 +311,7 @@ void OrvNgEdge::setTags(const QSet<QString>& tags)
     invalidateAdjustment();
     adjust();
     setEdgeColor();
-    refreshSiblings(m_SourceNode, m_SourceOutputPoint);
+    refreshSiblings(m_SourceNode, m_SourceOutputPoint, m_HomeNode);
     OrvNgEdgeEnds::tagsChanged(m_HomeNode);
     OrvNgEdgeEnds::tagsChanged(m_SourceNode);
 }

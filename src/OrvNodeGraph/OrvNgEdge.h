@@ -268,12 +268,14 @@ private:
     bool isPresentSource(const OrvNgNode* node, const QString& output) const;
 
     void nodeGone(OrvNgNode* node);
+    void outputGone();
     void giveUpMouse();
     void leaveSource();
     void leaveHome();
     void leaveNodes();
-    void connectionChanged();
-    void refreshSiblings(OrvNgNode* source, const QString& outputPoint);
+    void connectionChanged(const QPointer<OrvNgNode>& oldSource, const QString& oldPoint,
+        const QPointer<OrvNgNode>& oldHome);
+    void refreshSiblings(OrvNgNode* source, const QString& outputPoint, const OrvNgNode* home);
 
     void invalidateAdjustment() { m_HasAdjusted = false; }
     float labelFraction() const;

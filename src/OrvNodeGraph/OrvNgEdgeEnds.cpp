@@ -123,6 +123,9 @@ void OrvNgEdgeEnds::connectionsChanged(OrvNgNode* node)
 
 void OrvNgEdgeEnds::tagsChanged(OrvNgNode* node)
 {
-    if (auto* extended = qobject_cast<OrvNgExtendedNode*>(node))
-        extended->applyPortVisibilityMode();
+    auto* extended = qobject_cast<OrvNgExtendedNode*>(node);
+    if (!extended)
+        return;
+    extended->applyPortVisibilityMode();
+    extended->updateTextVisibility();
 }

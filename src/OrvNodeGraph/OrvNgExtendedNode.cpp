@@ -631,6 +631,13 @@ void OrvNgExtendedNode::updateTextVisibility()
         if (edge && !labelled.contains(edge))
             edge->setTextVisible(false);
     }
+    if (bundlesEdges()) {
+        for (OrvNgEdge* edge : inputs()) {
+            if (edge->isTextVisible() && edge->sourceNode() && edge->isVisible()
+                && !labelled.contains(edge))
+                edge->setTextVisible(false); // the host had switched it on
+        }
+    }
     m_LabelledEdges.clear();
     for (OrvNgEdge* edge : labelled) {
         edge->setTextVisible(true);

@@ -176,7 +176,7 @@ void OrvNgNode::removeOutputPoint(int index)
     const QList<OrvNgEdge*> edges = m_Outputs;
     for (OrvNgEdge* edge : edges) {
         if (edge->sourceOutputPoint() == name)
-            edge->nodeGone(this);
+            edge->outputGone();
     }
     m_OutputPoints.removeAt(index);
 }
@@ -569,7 +569,7 @@ void OrvNgNode::removeOutput(int index)
         reportBadIndex(kLineRemoveOutput);
         return;
     }
-    m_Outputs.at(index)->nodeGone(this);
+    m_Outputs.at(index)->outputGone();
 }
 
 void OrvNgNode::removeUnusedOutput(const QString& name)
@@ -734,8 +734,10 @@ void OrvNgNode::setConnectionDescriptiveNames(
 void OrvNgNode::refreshInputTexts()
 {
     const QList<OrvNgEdge*> edges = m_Inputs;
-    for (OrvNgEdge* edge : edges)
-        edge->setText(edge->text(), inputPointPrettyName(edge->text()));
+    for (OrvNgEdge* edge : edges) {
+        if (!edge->prettyText().isEmpty()) // else it has no label on purpose, as a cluster's
+            edge->setText(edge->text(), inputPointPrettyName(edge->text()));
+    }
 }
 
 void OrvNgNode::refreshOutputTexts()
@@ -859,8 +861,10 @@ void OrvNgNode::followSelection(bool selected)
 
 void OrvNgNode::showOrHideEdges()
 {
-    const QList<OrvNgEdge*> edges = m_Inputs + m_Outputs;
-    for (OrvNgEdge* edge : edges)
+    QList<OrvNgEdge*> edges = m_Inputs + m_Outputs;
+    if (m_VirtualInputEdge)
+        edges.append(m_VirtualInputEdge);
+    for (OrvNgEdge* edge : qAsConst(edges))
         edge->setVisibilityForItems();
 }
 

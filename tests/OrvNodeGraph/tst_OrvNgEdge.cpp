@@ -9,6 +9,7 @@
 #include <QGraphicsScene>
 #include <QGraphicsView>
 #include <QSignalSpy>
+#include <QtNumeric>
 #include <QtTest>
 
 #include <cmath>
@@ -173,7 +174,14 @@ private Q_SLOTS:
         m_Dest->setInputConnectionPrettyNames({{q("in"), q("Albedo")}});
         auto* label = child<OrvNgLodTextItem>(m_Edge);
         QCOMPARE(label->text(), q("Albedo"));
+        QCOMPARE(label->sceneBoundingRect().center(), QPointF(50, 170));
         QVERIFY(label->isVisible());
+        // Between (50, 40) and (50, 300), from the source on; halfway for what is no number.
+        const QPair<double, double> places[] = {{0.25, 105}, {qQNaN(), 170}};
+        for (const auto& place : places) {
+            m_Dest->setInputConnectionTextPositions({{q("in"), float(place.first)}});
+            QCOMPARE(label->sceneBoundingRect().center(), QPointF(50, place.second));
+        }
         m_Edge->setTextVisible(false);
         QVERIFY(!label->isVisible());
         m_Edge->setTextVisible(true);

@@ -242,6 +242,8 @@ private Q_SLOTS:
         node.setInputPortClusterMap({{kGroup, {kA, kB}}});
         node.setOutputPortClusterMap({{kOuts, {kOut}}});
         QCOMPARE(rig.shownInputs(), QStringList({kC, kGroup}));
+        node.setInputConnectionPrettyNames({{kA, kWide}});
+        QCOMPARE(node.input(kA)->prettyText(), kWide);
         QCOMPARE(node.input(kGroup)->prettyText(), QString()); // its edge carries no label
         QCOMPARE(node.inputPort(kGroup)->text(), kGroup);
         const QString other = QStringLiteral("other");
@@ -265,6 +267,7 @@ private Q_SLOTS:
         for (const QString& name : {kA, kB, kC})
             rig.connectInput(name);
         rig.m_Node->setInputPortClusterMap({{kGroup, {kA, kB}}});
+        rig.m_Node->input(kB)->setTextVisible(true); // the host's wish gives way to legibility
         rig.setMode(Node::PORT_LIST_GROUPED);
         QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kA, kC}));
         rig.setMode(Node::PORT_LIST_COLLAPSED);
@@ -279,6 +282,43 @@ private Q_SLOTS:
         QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kA, kB, kC, kGroup, kOuts}));
         rig.setMode(Node::PORT_LIST_ONLY_CONNECTED);
         QCOMPARE(labelledInputs(*rig.m_Node), QStringList());
+    }
+
+    void bundle_showsAndLabelsItsFirstEdge_data()
+    {
+        const TestTable<int> row("mode");
+        row("grouped", int(Node::PORT_LIST_GROUPED));
+        row("collapsed", int(Node::PORT_LIST_COLLAPSED));
+    }
+    void bundle_showsAndLabelsItsFirstEdge()
+    {
+        QFETCH(int, mode);
+        ExtendedRig rig;
+        Node other(nullptr);
+        Node& node = *rig.m_Node;
+        rig.m_Source->setOutputPortClusterMap({{kOuts, {kOut}}});
+        node.setInputPortClusterMap({{kGroup, {kA, kB, kC}}});
+        rig.m_Source->setPortListMode(static_cast<Node::PortListMode>(mode));
+        rig.setMode(mode);
+        for (const QString& name : {kC, kB, kA})
+            rig.connectInput(name);
+        OrvNgEdge* first = node.input(kA);
+        const Action steps[]
+            = {[](Node&) {}, [&](Node&) { first->setTags({QStringLiteral("_hidden")}); },
+                [&](Node&) { first->setTags({}); },
+                [&](Node&) { first->setSourceNode(nullptr, QString()); },
+                [&](Node&) { first->setSourceNode(rig.m_Source, kOut); },
+                [&](Node&) { first->setDestNode(&other); }, [](Node& n) { n.removeInput(kB); }};
+        QStringList seen;
+        for (const Action& step : steps) {
+            step(node);
+            for (const OrvNgEdge* edge : node.inputs()) {
+                QCOMPARE(edge->isTextVisible(), edge->isVisible());
+                if (edge->isVisible())
+                    seen.append(edge->text());
+            }
+        }
+        QCOMPARE(seen, QStringList({kA, kB, kA, kB, kA, kB, kC}));
     }
 
     // Geometry

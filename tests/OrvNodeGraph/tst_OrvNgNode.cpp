@@ -101,10 +101,13 @@ private Q_SLOTS:
     void systemShaderNode_hidesItselfAndItsEdges()
     {
         ConnectedPair pair;
+        pair.m_Source->setInputConnectionPositions({{q("v"), {QPoint(0, -20), QPoint(0, -60)}}});
+        const OrvNgEdge* virtualEdge = pair.m_Source->createVirtualInputEdge(q("v"));
         for (const bool isSystem : {true, false}) {
             pair.m_Source->setIsSystemShaderNode(isSystem);
             QCOMPARE(pair.m_Source->isVisible(), !isSystem);
             QCOMPARE(pair.m_Edge->isVisible(), !isSystem);
+            QCOMPARE(virtualEdge->isVisible(), !isSystem);
         }
     }
 
@@ -186,6 +189,24 @@ private Q_SLOTS:
         QCOMPARE(source.outputCount(), 3);
     }
 
+    void edges_haveNameAndLabelOfTheirPoint()
+    {
+        QGraphicsScene scene;
+        auto* node = new TestNode;
+        scene.addItem(node);
+        node->setConnectionPrettyNames(
+            {{q("i"), q("In")}, {q("new"), q("New")}}, {{q("o"), q("Out")}});
+        node->createInput(q("i"), false, kNoTags);
+        node->createOutputPoint(q("o"), true);
+        const auto texts = [](const OrvNgEdge* edge) { return edge->text() + edge->prettyText(); };
+        QCOMPARE(texts(node->input(q("i"))), q("iIn"));
+        QCOMPARE(texts(node->outputs().constFirst()), q("oOut"));
+        QCOMPARE(texts(node->createVirtualInputEdge(q("i"))), q("iIn"));
+        QCOMPARE(texts(node->createTemporaryOutputEdge(q("o"))), q("oOut"));
+        node->renameInput(q("i"), q("new"));
+        QCOMPARE(texts(node->inputs().constFirst()), q("newnew"));
+    }
+
     void badArguments_areReportedWithTheirLine()
     {
         DebugRecorder reports;
@@ -230,8 +251,18 @@ private Q_SLOTS:
         ConnectedPair pair;
         pair.m_Source->createOutputPoint(q("keep"), true);
         pair.m_Source->createTemporaryOutputEdge(q("out"));
+        pair.m_Source->createInput(q("from itself"), false, kNoTags);
+        OrvNgEdge* loop = pair.m_Source->input(q("from itself"));
         QSignalSpy spy(pair.m_Dest, &OrvNgNode::inputSourceChanged);
-        pair.m_Source->removeOutputPoint(q("out"));
+        for (const bool wholePoint : {false, true}) {
+            loop->setSourceNode(pair.m_Source, q("out"));
+            if (wholePoint)
+                pair.m_Source->removeOutputPoint(q("out"));
+            else
+                pair.m_Source->removeOutput(pair.m_Source->outputs().indexOf(loop));
+            QCOMPARE(pair.m_Source->input(q("from itself")), loop); // inputs live on, free
+            QVERIFY(!loop->sourceNode());
+        }
         QCOMPARE(pair.m_Source->outputPoints(), QStringList(q("keep")));
         QCOMPARE(pair.m_Source->outputCount(), 1);
         QCOMPARE(pair.m_Dest->input(q("in")), pair.m_Edge);
