@@ -240,7 +240,7 @@ void EditorBackdrops::recolor()
 
 QColor EditorBackdrops::colorOf(const NetBackdrop& backdrop)
 {
-    const QColor own = colorFromText(backdrop.color);
+    QColor own = colorFromText(backdrop.color);
     if (own.isValid())
         return own;
     if (backdrop.isNote)

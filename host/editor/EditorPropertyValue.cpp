@@ -28,7 +28,7 @@ EditorPropertyValue::Range EditorPropertyValue::rangeOf(const QString& propertyN
 {
     const struct
     {
-        const char* ending;
+        const char* ending = "";
         Range range;
     } rows[] = {
         {"PenWidth", {1, 64, 1, tr("scene units")}},

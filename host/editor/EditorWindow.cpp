@@ -207,7 +207,7 @@ bool EditorWindow::reload()
     const QString scopePath = scene()->scope().path;
     const EditorView::Look look = m_View->look();
     // An empty path that is not null: the document level.
-    if (!read(path, scopePath.isNull() ? QStringLiteral("") : scopePath))
+    if (!read(path, scopePath.isNull() ? QString(QLatin1String("")) : scopePath))
         return false;
     if (scene()->scope().path == scopePath)
         m_View->setLook(look);

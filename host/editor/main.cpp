@@ -20,7 +20,7 @@ constexpr int kFailure = 2;
 
 void print(FILE* stream, const QString& text)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
+    (void)std::fputs(text.toLocal8Bit().constData(), stream);
 }
 
 void printLine(FILE* stream, const QString& text)

@@ -36,7 +36,7 @@ QString refusal(const QString& path)
 
 QString NetFileSaver::save(const QString& path, const QByteArray& bytes)
 {
-    const QString problem = refusal(path);
+    QString problem = refusal(path);
     if (!problem.isEmpty())
         return problem;
     const bool there = QFileInfo::exists(path);

@@ -236,7 +236,7 @@ Block runOnce(const Job& job)
 // A second time where connections pass columns, with room for what will be drawn there.
 Block run(const Job& job)
 {
-    const Block first = runOnce(job);
+    Block first = runOnce(job);
     if (job.edges.isEmpty() || first.corners.isEmpty()
         || !NetLanes::areNeeded(job.edges, first.ranks))
         return first;

@@ -46,7 +46,7 @@ QString NetRules::whyNotEnter(int scope) const
 
 QString NetRules::whyNotReach(int scope, int node) const
 {
-    const QString reason = whyNotEnter(scope);
+    QString reason = whyNotEnter(scope);
     if (!reason.isEmpty())
         return reason;
     const QVector<NetNode>& nodes = m_Document.scopes().at(scope).nodes;
@@ -56,7 +56,7 @@ QString NetRules::whyNotReach(int scope, int node) const
 
 QString NetRules::whyNotEdit(int scope, int node) const
 {
-    const QString reason = whyNotReach(scope, node);
+    QString reason = whyNotReach(scope, node);
     if (!reason.isEmpty())
         return reason;
     const NetNode& box = m_Document.scopes().at(scope).nodes.at(node);
@@ -65,7 +65,7 @@ QString NetRules::whyNotEdit(int scope, int node) const
 
 QString NetRules::whyNotAdd(int scope) const
 {
-    const QString reason = whyNotEnter(scope);
+    QString reason = whyNotEnter(scope);
     if (!reason.isEmpty())
         return reason;
     const NetScope& network = m_Document.scopes().at(scope);
@@ -74,7 +74,7 @@ QString NetRules::whyNotAdd(int scope) const
 
 QString NetRules::whyNotChangeBackdrop(int scope, int backdrop) const
 {
-    const QString reason = whyNotEnter(scope);
+    QString reason = whyNotEnter(scope);
     if (!reason.isEmpty())
         return reason;
     const QVector<NetBackdrop>& backdrops = m_Document.scopes().at(scope).backdrops;
@@ -86,7 +86,7 @@ QString NetRules::whyNotChangeBackdrop(int scope, int backdrop) const
 
 QString NetRules::whyNotRemoveBackdrop(int scope, int backdrop) const
 {
-    const QString reason = whyNotChangeBackdrop(scope, backdrop);
+    QString reason = whyNotChangeBackdrop(scope, backdrop);
     if (!reason.isEmpty())
         return reason;
     return whyNotUncover(scope, m_Document.scopes().at(scope).backdrops.at(backdrop).name);
@@ -99,7 +99,7 @@ QString NetRules::whyNotMove(int scope, int node) const
 
 QString NetRules::whyNotRemove(int scope, int node) const
 {
-    const QString reason = whyNotEdit(scope, node);
+    QString reason = whyNotEdit(scope, node);
     if (!reason.isEmpty())
         return reason;
     const NetNode& box = m_Document.scopes().at(scope).nodes.at(node);
@@ -131,7 +131,7 @@ bool NetRules::isCoveringIncluded(const QString& name) const
 
 QString NetRules::whyNotTake(int scope, const NetPortRef& dest) const
 {
-    const QString reason = whyNotEdit(scope, dest.node);
+    QString reason = whyNotEdit(scope, dest.node);
     if (!reason.isEmpty())
         return reason;
     const NetNode& box = m_Document.scopes().at(scope).nodes.at(dest.node);
@@ -140,7 +140,7 @@ QString NetRules::whyNotTake(int scope, const NetPortRef& dest) const
 
 QString NetRules::whyNotDisconnect(int scope, const NetPortRef& dest) const
 {
-    const QString reason = whyNotTake(scope, dest);
+    QString reason = whyNotTake(scope, dest);
     if (!reason.isEmpty())
         return reason;
     const NetNode& box = m_Document.scopes().at(scope).nodes.at(dest.node);

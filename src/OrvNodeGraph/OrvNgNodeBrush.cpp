@@ -60,7 +60,7 @@ void categoryGradient(const QString& category, QLinearGradient& out)
         return;
     const QString prefix
         = category == QLatin1String("_System") ? QStringLiteral("System") : category;
-    const QByteArray property = (prefix + QLatin1String("NodeBrush")).toUtf8();
+    const QByteArray property = (prefix + QStringLiteral("NodeBrush")).toUtf8();
     const QVariant value = OrvNgStyle::instance().property(property.constData());
     // A property of another type ("Selected" finds a plain brush) counts as known: a default
     // gradient.

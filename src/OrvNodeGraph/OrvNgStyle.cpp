@@ -193,8 +193,8 @@ OrvNgStyle::OrvNgStyle()
 
     registerPreferences();
     loadPreferences();
+    refreshProperties();
     connect(this, &OrvNgStyle::colorsUpdated, this, &OrvNgStyle::refreshProperties);
-    Q_EMIT colorsUpdated();
 }
 
 // Runs after the application object is gone: nothing of Qt's or the host's may be used here.

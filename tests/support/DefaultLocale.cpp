@@ -12,6 +12,6 @@ static void setDefaultLocale()
         return;
     QLocale::setDefault(QLocale(QString::fromLatin1(name)));
     if (!std::setlocale(LC_ALL, (name + ".UTF-8").constData()))
-        std::fprintf(stderr, "the C library has no locale %s\n", name.constData());
+        (void)std::fprintf(stderr, "the C library has no locale %s\n", name.constData());
 }
 Q_COREAPP_STARTUP_FUNCTION(setDefaultLocale)
