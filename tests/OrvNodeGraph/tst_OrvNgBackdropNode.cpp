@@ -154,8 +154,9 @@ private Q_SLOTS:
         const QPointer<OrvNgBackdropNode> outer(stage.m_Outer);
         connect(stage.m_Inner, &OrvNgBackdropNode::zOrderChanged, stage.m_Inner,
             [&stage] { delete stage.m_Outer; });
-        stage.press(stage.titleBar(), Qt::LeftButton);
-        stage.release(stage.titleBar() + QPoint(5, 5), Qt::LeftButton);
+        const QPoint titleBar = stage.titleBar();
+        stage.press(titleBar, Qt::LeftButton);
+        stage.release(titleBar + QPoint(5, 5), Qt::LeftButton);
         QVERIFY(!outer);
         QCOMPARE(stage.m_Inner->zOrder(), 1);
     }
