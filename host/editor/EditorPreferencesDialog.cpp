@@ -335,7 +335,8 @@ void EditorPreferencesDialog::resetPage()
 {
     finishInput();
     QVector<QPointer<EditorPreferenceRow>> rows; // a reset may end an object
-    for (EditorPreferenceRow* row : shownRows())
+    const QVector<EditorPreferenceRow*> shown = shownRows();
+    for (EditorPreferenceRow* row : shown)
         rows.append(row);
     for (const auto& row : qAsConst(rows)) {
         if (row)

@@ -264,7 +264,8 @@ QRectF EditorScene::contentBounds() const
 QRectF EditorScene::selectionBounds() const
 {
     Nodes selected = selectedNodes();
-    for (const int backdrop : m_Backdrops->selected())
+    const QVector<int> backdrops = m_Backdrops->selected();
+    for (const int backdrop : backdrops)
         selected.append(m_Backdrops->item(backdrop));
     return boundsOf(selected);
 }
@@ -486,7 +487,8 @@ void EditorScene::selectDownstream()
 void EditorScene::select(bool upstream)
 {
     QVector<int> seeds;
-    for (OrvNgNode* node : selectedNodes())
+    const Nodes selected = selectedNodes();
+    for (OrvNgNode* node : selected)
         seeds.append(m_Indices.value(node));
     const QVector<bool> reached = EditorEdits::reachable(scope(), seeds, upstream);
     for (int i = 0; i < m_Nodes.size(); ++i) {
