@@ -215,6 +215,18 @@ private Q_SLOTS:
         }
     }
 
+    void endsNobodyCanReach_giveNoRoute()
+    {
+        for (const Router router : {&OrvNgEdgeRouter::sideToSide, &OrvNgEdgeRouter::sideToTop,
+                 &OrvNgEdgeRouter::topToSide, &OrvNgEdgeRouter::straight}) {
+            for (const QPointF& bad :
+                {QPointF(qQNaN(), 0), QPointF(0, qInf()), QPointF(1e300, 0)}) {
+                QVERIFY(router({1, 2}, bad).m_Path.isEmpty());
+                QVERIFY(router(bad, {1, 2}).m_Path.isEmpty());
+            }
+        }
+    }
+
     void intersection()
     {
         const QRectF body(0, 0, 100, 50);
