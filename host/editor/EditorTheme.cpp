@@ -121,6 +121,7 @@ QString styleSheet()
 void EditorTheme::apply(QApplication* application)
 {
     QApplication::setStyle(new ThemeStyle(QStyleFactory::create(QStringLiteral("Fusion"))));
+    // The application owns the style. NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
     QApplication::setPalette(palette());
     QApplication::setFont(font());
     application->setStyleSheet(styleSheet());
