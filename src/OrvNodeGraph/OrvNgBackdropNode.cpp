@@ -29,6 +29,8 @@
 
 namespace {
 
+constexpr int kMostLabelCharacters
+    = 16384; // shown; breaking a long word into lines takes seconds beyond
 constexpr char kFile[] = "src/OrvNodeGraph/OrvNgBackdropNode";
 constexpr int kLightGray = 236; // from here on a colour is adjusted to a darker one
 constexpr int kAdjustment = 20; // of each channel, 0 to 255
@@ -490,9 +492,9 @@ void OrvNgBackdropNode::setLabel(const QString& text)
     m_Label = text;
     if (OrvIsHtmlText(m_Label)) {
         OrvReplaceConsecutiveSpacesWithNbsp(m_Label);
-        m_LabelText->setHtml(m_Label);
+        m_LabelText->setHtml(m_Label.left(kMostLabelCharacters));
     } else {
-        m_LabelText->setPlainText(m_Label);
+        m_LabelText->setPlainText(m_Label.left(kMostLabelCharacters));
     }
     positionLabelText();
 }

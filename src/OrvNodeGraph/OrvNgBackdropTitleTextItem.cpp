@@ -12,6 +12,8 @@ namespace {
 
 constexpr double kReadablePixels = 12.0; // font size on the screen that the text grows to
 constexpr double kMaxGrowth = 2.8; // still above the first node that the frame was put around
+constexpr int kMostCharacters = 4096; // of a line; measuring more takes noticeable time
+constexpr int kLargestPixelSize = 1000; // font engines cannot take any
 constexpr double kVisiblePixels = 3.0; // smaller than that is noise
 
 } // namespace
@@ -20,7 +22,8 @@ OrvNgBackdropTitleTextItem::OrvNgBackdropTitleTextItem(QGraphicsItem* parent)
     : QGraphicsSimpleTextItem(parent)
 {
     QFont titleFont = font();
-    titleFont.setPixelSize(qMax(1, int(OrvNgStyle::instance().getBackdropNodeTitleTextHeight())));
+    const int height = int(OrvNgStyle::instance().getBackdropNodeTitleTextHeight());
+    titleFont.setPixelSize(qBound(1, height, kLargestPixelSize));
     titleFont.setWeight(QFont::DemiBold);
     titleFont.setHintingPreference(QFont::PreferNoHinting); // keeps its width at every zoom
     setFont(titleFont);
@@ -31,7 +34,7 @@ void OrvNgBackdropTitleTextItem::setTitleText(const QString& text)
 {
     prepareGeometryChange();
     setText(text);
-    m_Line = text.simplified();
+    m_Line = text.left(kMostCharacters).simplified();
     measure();
 }
 

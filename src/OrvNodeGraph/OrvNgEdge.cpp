@@ -25,15 +25,17 @@ constexpr char kFile[] = "src/OrvNodeGraph/OrvNgEdge";
 
 constexpr double kShapeCurveThreshold = 5.0;
 constexpr double kMinimumHitWidth = 1.0;
+constexpr double kReach = 1e12; // scene units from the origin
 constexpr double kLabelNearSource = 0.1; // while an end is carried the label stays near the cursor
 constexpr double kLabelNearDest = 0.9;
 constexpr double kLabelCorner = 4.0;
 constexpr double kCrossSize = 6.0;
 constexpr QRectF kGrabCircleRect(-7.0, -7.0, 14.0, 14.0);
 
-bool isFinite(const QPointF& point)
+// Farther out there is no route, and lengths would overflow in the end.
+bool isInReach(const QPointF& point)
 {
-    return std::isfinite(point.x()) && std::isfinite(point.y());
+    return std::abs(point.x()) <= kReach && std::abs(point.y()) <= kReach;
 }
 
 bool isSystemNode(const OrvNgNode* node)
@@ -66,6 +68,15 @@ public:
         OrvNgLodTextItem::paint(painter, option, widget);
     }
 };
+
+/// A node that is being deleted takes no more connections; one that is null only takes the present one away.
+bool canEndAt(const OrvNgNode* node)
+{
+    if (!node || !node->isBeingDeleted())
+        return true;
+    orvNgReport(kFile, __LINE__, QStringLiteral("[ !! ] The node is being deleted"));
+    return false;
+}
 
 // The rectangle at which edges that do not end at ports stop.
 QRectF clipRectInScene(OrvNgNode* node)
@@ -156,7 +167,8 @@ void OrvNgEdge::setSourceOutputPoint(const QString& outputPoint)
 
 void OrvNgEdge::setSourceNode(OrvNgNode* node, const QString& outputPoint)
 {
-    if (m_IsDestroyed || (m_SourceNode == node && m_SourceOutputPoint == outputPoint))
+    if (m_IsDestroyed || (m_SourceNode == node && m_SourceOutputPoint == outputPoint)
+        || !canEndAt(node))
         return;
     const QPointer<OrvNgNode> oldSource(m_SourceNode);
     const QString oldPoint = m_SourceOutputPoint;
@@ -172,8 +184,14 @@ void OrvNgEdge::setSourceNode(OrvNgNode* node, const QString& outputPoint)
 
 void OrvNgEdge::setDestNode(OrvNgNode* node)
 {
-    if (m_IsDestroyed || (m_DestNode == node && m_HomeNode == node))
+    if (m_IsDestroyed || (m_DestNode == node && m_HomeNode == node) || !canEndAt(node))
         return;
+    if (node && node->inputExists(m_Text)) {
+        orvNgReport(kFile, __LINE__,
+            QStringLiteral("[ !! ] Input '%1' exists already on node '%2'")
+                .arg(m_Text, node->text()));
+        return;
+    }
     const QPointer<OrvNgNode> oldHome(m_HomeNode);
     leaveHome();
     m_DestNode = node;
@@ -676,7 +694,7 @@ float OrvNgEdge::labelFraction() const
 
 void OrvNgEdge::adjust(QPointF source, QPointF dest, float labelFraction)
 {
-    if (!isFinite(source) || !isFinite(dest) || !std::isfinite(labelFraction))
+    if (!isInReach(source) || !isInReach(dest) || !std::isfinite(labelFraction))
         return;
     const LooseEnd loose = looseEnd();
     Ends ends;

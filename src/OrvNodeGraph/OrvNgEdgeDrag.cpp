@@ -310,6 +310,9 @@ OrvNgEdge::DropResult OrvNgEdge::choose(
     }
     connect(&menu, &QMenu::triggered, this,
         isDest ? &OrvNgEdge::onInputPointSelected : &OrvNgEdge::onOutputPointSelected);
+    // It offers nothing any more once one of them is gone.
+    connect(this, &QObject::destroyed, &menu, &QWidget::close);
+    connect(node, &QObject::destroyed, &menu, &QWidget::close);
     const QPointer<OrvNgEdge> self(this);
     m_Drag->m_MenuNode = node;
     menu.exec(globalPos);

@@ -218,6 +218,10 @@ void OrvNgExtendedNode::createInput(const QString& name, bool flag, const QSet<Q
 
 void OrvNgExtendedNode::createOutputPoint(const QString& name, bool withEdge)
 {
+    if (hasOutputCluster(name)) {
+        orvNgReport(kFile, __LINE__, withLocalName("Output name is taken : %s", name));
+        return;
+    }
     if (withEdge && !m_Outputs->contains(name)) {
         auto* port = new OrvNgOutputPort(this, outputDisplayText(name), name);
         port->setVisible(false);

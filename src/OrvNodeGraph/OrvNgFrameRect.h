@@ -22,12 +22,14 @@ inline bool isFinite(const QRectF& rect)
         && std::isfinite(rect.height());
 }
 
-/// The same top left corner; width and height at least those of minimum.
+/// The same top left corner, and width and height at least those of minimum; all as far as they are within
+/// reach.
 inline QRectF atLeast(const QRectF& rect, const QSizeF& minimum)
 {
-    return QRectF(rect.topLeft(),
-        QSizeF(qMax(minimum.width(), qMin(rect.width(), kMaxExtent)),
-            qMax(minimum.height(), qMin(rect.height(), kMaxExtent))));
+    const auto within = [](double value) { return qBound(-kMaxExtent, value, kMaxExtent); };
+    return QRectF(within(rect.x()), within(rect.y()),
+        within(qMax(qMax(0.0, minimum.width()), rect.width())),
+        within(qMax(qMax(0.0, minimum.height()), rect.height())));
 }
 
 } // namespace OrvNgFrameRect

@@ -10,6 +10,9 @@
 #include <QGraphicsSceneResizeEvent>
 #include <QPainter>
 
+#include <algorithm>
+#include <cmath>
+
 struct OrvNgPort::Colors
 {
     QColor m_Port;
@@ -28,6 +31,8 @@ struct OrvNgPort::Colors
 };
 
 namespace {
+
+constexpr double kFarthest = 1e8; // item coordinates; beyond, edges would no longer be drawn
 
 /// The application's font in bold. One object for all ports: fonts that share their data also share
 /// the font engine that was looked up for them, and the lookup is what costs.
@@ -175,6 +180,10 @@ void OrvNgPort::resizeEvent(QGraphicsSceneResizeEvent* event)
 
 void OrvNgPort::setGeometry(const QRectF& rect)
 {
+    const double farthest = std::max({std::abs(rect.left()), std::abs(rect.top()),
+        std::abs(rect.right()), std::abs(rect.bottom())});
+    if (!(farthest <= kFarthest)) // nor what is not a number
+        return;
     // The base class announces a new size only for widgets at (0, 0).
     if (rect.size() != size())
         prepareGeometryChange();

@@ -202,8 +202,9 @@ OrvNgStyle::~OrvNgStyle() = default;
 
 OrvNgStyle& OrvNgStyle::instance()
 {
-    static OrvNgStyle s_Style;
-    return s_Style;
+    // Never destroyed: items in the statics of a host may outlive those of functions, and ask it to the last.
+    static OrvNgStyle* const s_Style = new OrvNgStyle;
+    return *s_Style;
 }
 
 QString OrvNgStyle::prettyPropertyName(const QString& name) const

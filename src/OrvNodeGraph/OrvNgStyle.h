@@ -123,19 +123,19 @@ private:
     Q_DISABLE_COPY(OrvNgStyle)
 
     /// Compares, stores and tells: the one body of all setters. The old value stays when the new
-    /// one is not finite, because NaN, being unequal to itself, would be told as a change each
-    /// time.
+    /// one is not a number, which, being unequal to itself, would be told as a change each time,
+    /// or is too large for sizes in whole pixels.
     template <typename T> void assign(T& member, const T& value, void (OrvNgStyle::*changed)(T));
 
-    template <typename T> static bool isFinite(const T&) { return true; }
-    static bool isFinite(float value) { return std::isfinite(value); }
-    static bool isFinite(const QPointF& value)
+    template <typename T> static bool isUsable(const T&) { return true; }
+    static bool isUsable(float value) { return std::abs(value) <= 1e8F; }
+    static bool isUsable(const QPointF& value)
     {
-        return qIsFinite(value.x()) && qIsFinite(value.y());
+        return std::abs(value.x()) <= 1e8 && std::abs(value.y()) <= 1e8;
     }
-    static bool isFinite(const OrvColor& value)
+    static bool isUsable(const OrvColor& value)
     {
-        return isFinite(value.r) && isFinite(value.g) && isFinite(value.b) && isFinite(value.a);
+        return isUsable(value.r) && isUsable(value.g) && isUsable(value.b) && isUsable(value.a);
     }
 
     static const std::vector<SheetValue>& sheetValues();
@@ -159,7 +159,7 @@ private:
 template <typename T>
 void OrvNgStyle::assign(T& member, const T& value, void (OrvNgStyle::*changed)(T))
 {
-    if (!isFinite(value) || member == value)
+    if (!isUsable(value) || member == value)
         return;
     member = value;
     Q_EMIT(this->*changed)(value);
