@@ -186,7 +186,7 @@ void OrvNgEdge::setDestNode(OrvNgNode* node)
 {
     if (m_IsDestroyed || (m_DestNode == node && m_HomeNode == node) || !canEndAt(node))
         return;
-    if (node && node->inputExists(m_Text)) {
+    if (node && node != m_HomeNode && node->inputExists(m_Text)) {
         orvNgReport(kFile, __LINE__,
             QStringLiteral("[ !! ] Input '%1' exists already on node '%2'")
                 .arg(m_Text, node->text()));

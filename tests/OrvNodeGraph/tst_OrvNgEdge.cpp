@@ -90,7 +90,6 @@ private Q_SLOTS:
         line->setPath(mark);
         m_Edge->adjust();
         m_Source->reAdjustEdges();
-        m_Edge->adjust(QPointF(std::numeric_limits<double>::quiet_NaN(), 0), QPointF(5, 5), 0.5F);
         QCOMPARE(line->path(), mark);
         m_Source->moveBy(1, 0);
         QVERIFY(line->path() != mark);

@@ -38,7 +38,6 @@ struct ConnectedPair
 };
 
 const QSet<QString> kNoTags;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 QString q(const char* text)
 {
@@ -67,22 +66,6 @@ private Q_SLOTS:
         QCOMPARE(spy.count(), 2);
         QCOMPARE(spy.last().at(0).toBool(), false);
         QCOMPARE(node.m_Recolourings, 2);
-    }
-
-    void hoverOutline_standsOnePixelOutsideTheBody()
-    {
-        QGraphicsScene scene;
-        auto* node = new TestNode;
-        scene.addItem(node);
-        node->setHovered(true);
-        node->setNodeBrush(QColor(0, 0, 255));
-        QImage image(140, 80, QImage::Format_RGB32);
-        image.fill(Qt::black);
-        QPainter painter(&image);
-        scene.render(&painter, QRectF(0, 0, 140, 80), QRectF(-20, -20, 140, 80));
-        painter.end();
-        QCOMPARE(image.pixelColor(70, 19), QColor(0, 0, 255));
-        QCOMPARE(image.pixelColor(70, 17), QColor(Qt::black));
     }
 
     void virtualEdge_isReplacedNotStacked()
@@ -126,18 +109,6 @@ private Q_SLOTS:
         QCOMPARE(node.boundingRect(), QRectF(0, 0, 130, 70));
         delete child;
         QCOMPARE(node.boundingRect(), QRectF(0, 0, 100, 40));
-    }
-
-    void position_refusesWhatIsNotANumber()
-    {
-        TestNode node;
-        node.setPos(10, 20);
-        node.setPos(kNaN, 5);
-        QCOMPARE(node.pos(), QPointF(10, 20));
-        node.setPos(5, std::numeric_limits<double>::infinity());
-        QCOMPARE(node.pos(), QPointF(10, 20));
-        node.setPos(1e300, -1e300);
-        QCOMPARE(node.pos(), QPointF(1e8, -1e8));
     }
 
     void position_snapsToTheGrid_data()

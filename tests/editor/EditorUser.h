@@ -91,8 +91,10 @@ public:
     void moveAlong(const QVector<QPoint>& way)
     {
         for (int i = 1; i < way.size(); ++i) {
-            for (int part = 1; part <= 4; ++part)
-                move(way.at(i - 1) + (way.at(i) - way.at(i - 1)) * part / 4);
+            for (int part = 1; part <= 4; ++part) {
+                const QPoint pos = way.at(i - 1) + (way.at(i) - way.at(i - 1)) * part / 4;
+                send(QEvent::MouseMove, pos, Qt::NoButton);
+            }
         }
     }
     void dragAlong(const QVector<QPoint>& way)

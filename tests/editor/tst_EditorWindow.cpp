@@ -14,6 +14,8 @@
 
 #include <QAction>
 #include <QDropEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QPointer>
 #include <QSettings>
@@ -363,27 +365,10 @@ private Q_SLOTS:
         m_Window->frameAll();
         const QPointF place = node->pos();
         const QByteArray text = m_Window->navigator()->editor()->text();
-        const QPoint header = hand.atHeader("user");
-        const QPoint middle = hand.atMiddle(edge);
 
         auto* grid = OrvShaderNetworkManager::instance();
         grid->setSnapToGrid(what.contains(QLatin1String("grid")));
-        QPoint from = header;
-        QPoint to = header + QPoint(70, 90);
-        if (what == QLatin1String("band"))
-            from = header + QPoint(150, 150), to = header;
-        if (what == QLatin1String("cut")) {
-            from = middle - QPoint(0, 60), to = middle + QPoint(0, 60);
-            QTest::keyPress(view, Qt::Key_C);
-        }
-        if (what == QLatin1String("edge")) {
-            const QByteArray point = hand.node("outer")->outputPoints().constFirst().toUtf8();
-            view->pickUpEdge(hand.atPort("outer", point.constData()));
-            QVERIFY(dynamic_cast<OrvNgEdge*>(scene->mouseGrabberItem()));
-        } else {
-            hand.press(from);
-            hand.moveAlong({from, to});
-        }
+        const auto [from, to] = begin(what);
         if (what.startsWith(QLatin1String("node")))
             QVERIFY((node->pos() - place).manhattanLength() > 50);
         if (what == QLatin1String("band"))
@@ -402,6 +387,36 @@ private Q_SLOTS:
         QCOMPARE(edge->sourceNode(), hand.node("outer"));
         if (what == QLatin1String("band"))
             QCOMPARE(scene->selectedNodes(), EditorScene::Nodes{hand.node("outer")});
+    }
+
+    void quitting_inTheMiddle_data()
+    {
+        const TestTable<QString> row("what");
+        for (const char* what : {"node", "band", "cut", "edge", "menu", "dialog"})
+            row(what, what);
+    }
+
+    void quitting_inTheMiddle()
+    {
+        QFETCH(QString, what);
+        const Noise noise;
+        const QPointer<EditorScene> scene = m_Window->scene();
+        m_Window->frameAll();
+        stack()->clear();
+        if (what == QLatin1String("menu"))
+            m_Window->menuBar()->actions().constFirst()->menu()->popup(QPoint(9, 9));
+        else if (what == QLatin1String("dialog"))
+            actionFor(QKeySequence(int(Qt::CTRL) | int(Qt::Key_Comma)))->trigger();
+        else
+            begin(what);
+        QVERIFY(m_Window->close());
+        QCOMPARE(m_Answers->m_Asked, QStringList()); // nothing has changed
+        m_Window.reset();
+        flush();
+        QVERIFY(!scene);
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+        QCOMPARE(stack()->count(), 0);
+        QCOMPARE(noise.heard(), QStringList());
     }
 
     void dotKey_marksTheSceneOnShowOnly()
@@ -592,7 +607,60 @@ private:
         }
         return nullptr;
     }
+<<<<<<< HEAD
     EditorUser user() const { return EditorUser(m_Window->view()); }
+=======
+    OrvNgEdge* edge() const { return m_Window->scene()->edgeOf({indexOf("user"), 0}); }
+    QPoint edgeMiddle() const
+    {
+        QGraphicsPathItem* line = edge()->mainEdge();
+        return viewPos(line->mapToScene(line->path().pointAtPercent(0.5)));
+    }
+    QPoint viewPos(const QPointF& scenePos) const
+    {
+        return m_Window->view()->mapFromScene(scenePos);
+    }
+    void mouse(QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons)
+    {
+        QWidget* viewport = m_Window->view()->viewport();
+        QMouseEvent event(type, pos, viewport->mapToGlobal(pos),
+            type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(viewport, &event);
+    }
+    void press(const QPoint& pos) { mouse(QEvent::MouseButtonPress, pos, Qt::LeftButton); }
+    void release(const QPoint& pos) { mouse(QEvent::MouseButtonRelease, pos, Qt::NoButton); }
+    void drag(const QPoint& from, const QPoint& to)
+    {
+        for (int i = 1; i <= 8; ++i)
+            mouse(QEvent::MouseMove, from + (to - from) * i / 8, Qt::LeftButton);
+    }
+    /// Begins what the mouse does: where it was pressed, and where it is now.
+    std::pair<QPoint, QPoint> begin(const QString& what)
+    {
+        EditorUser hand = user();
+        EditorScene* scene = m_Window->scene();
+        const QPoint header = hand.atHeader("user");
+        const QPoint middle = hand.atMiddle(scene->edgeOf({hand.index("user"), 0}));
+        QPoint from = header;
+        QPoint to = header + QPoint(70, 90);
+        if (what == QLatin1String("band"))
+            from = header + QPoint(150, 150), to = header;
+        if (what == QLatin1String("cut")) {
+            from = middle - QPoint(0, 60), to = middle + QPoint(0, 60);
+            QTest::keyPress(m_Window->view(), Qt::Key_C);
+        }
+        if (what == QLatin1String("edge")) {
+            const QByteArray point = hand.node("outer")->outputPoints().constFirst().toUtf8();
+            m_Window->view()->pickUpEdge(hand.atPort("outer", point.constData()));
+            if (!dynamic_cast<OrvNgEdge*>(scene->mouseGrabberItem()))
+                qFatal("the edge is not on the cursor");
+        } else {
+            hand.press(from);
+            hand.moveAlong({from, to});
+        }
+        return {from, to};
+    }
+>>>>>>> 8d09fc9 (Tests: apply bad values to every class, and tear down in every order)
     QString scopePath() const { return m_Window->scene()->scope().path; }
 
     QTemporaryDir m_Folder;

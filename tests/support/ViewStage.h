@@ -32,6 +32,7 @@ public:
     using OrvNgView::m_NavigationScheme;
     using OrvNgView::setCursorTrackingMode;
     using OrvNgView::setNewSceneRect;
+    using OrvNgView::severEdgesAlongPath;
     using OrvNgView::sortedSelection;
 
     bool isAutoInsertOn() override { return m_AutoInsert; }
