@@ -349,7 +349,9 @@ private Q_SLOTS:
     void initTestCase()
     {
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-            if (type != QtDebugMsg && !text.contains(q("does not support")))
+            // The platform's remarks on windows, and Qt's on a line of a million characters.
+            if (type != QtDebugMsg && !text.contains(q("does not support"))
+                && !text.contains(q("text too long")))
                 s_Warnings.append(text);
         });
     }

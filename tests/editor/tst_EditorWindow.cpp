@@ -18,6 +18,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -416,7 +417,9 @@ private Q_SLOTS:
         QVERIFY(!scene);
         QVERIFY(QApplication::topLevelWidgets().isEmpty());
         QCOMPARE(stack()->count(), 0);
-        QCOMPARE(noise.heard(), QStringList());
+        const QRegularExpression trouble(
+            QStringLiteral("^(?!\\[ -- \\])")); // not what is merely noted
+        QCOMPARE(noise.heard().filter(trouble), QStringList());
     }
 
     void dotKey_marksTheSceneOnShowOnly()
@@ -607,33 +610,7 @@ private:
         }
         return nullptr;
     }
-<<<<<<< HEAD
     EditorUser user() const { return EditorUser(m_Window->view()); }
-=======
-    OrvNgEdge* edge() const { return m_Window->scene()->edgeOf({indexOf("user"), 0}); }
-    QPoint edgeMiddle() const
-    {
-        QGraphicsPathItem* line = edge()->mainEdge();
-        return viewPos(line->mapToScene(line->path().pointAtPercent(0.5)));
-    }
-    QPoint viewPos(const QPointF& scenePos) const
-    {
-        return m_Window->view()->mapFromScene(scenePos);
-    }
-    void mouse(QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons)
-    {
-        QWidget* viewport = m_Window->view()->viewport();
-        QMouseEvent event(type, pos, viewport->mapToGlobal(pos),
-            type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(viewport, &event);
-    }
-    void press(const QPoint& pos) { mouse(QEvent::MouseButtonPress, pos, Qt::LeftButton); }
-    void release(const QPoint& pos) { mouse(QEvent::MouseButtonRelease, pos, Qt::NoButton); }
-    void drag(const QPoint& from, const QPoint& to)
-    {
-        for (int i = 1; i <= 8; ++i)
-            mouse(QEvent::MouseMove, from + (to - from) * i / 8, Qt::LeftButton);
-    }
     /// Begins what the mouse does: where it was pressed, and where it is now.
     std::pair<QPoint, QPoint> begin(const QString& what)
     {
@@ -660,7 +637,6 @@ private:
         }
         return {from, to};
     }
->>>>>>> 8d09fc9 (Tests: apply bad values to every class, and tear down in every order)
     QString scopePath() const { return m_Window->scene()->scope().path; }
 
     QTemporaryDir m_Folder;
