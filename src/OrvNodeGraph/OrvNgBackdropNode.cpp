@@ -272,9 +272,9 @@ void OrvNgBackdropNode::restackAmongNeighbours()
 {
     QList<OrvNgBackdropNode*> neighbours;
     const QRectF area = sceneBoundingRect();
-    const QSet<OrvNgNode*> nodes = OrvNgSceneNodes::nodes(scene());
-    for (OrvNgNode* node : nodes) {
-        if (!node->isBackdrop() || !nodeCanBelongToBackdropChildren(node)
+    const QSet<OrvNgNode*> frames = OrvNgSceneNodes::frames(scene());
+    for (OrvNgNode* node : frames) {
+        if (!nodeCanBelongToBackdropChildren(node)
             || !node->sceneBoundingRect().intersects(area))
             continue;
         if (auto* backdrop = dynamic_cast<OrvNgBackdropNode*>(node))

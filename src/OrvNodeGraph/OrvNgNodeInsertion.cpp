@@ -33,10 +33,9 @@ OrvNgNode* backdropAround(const OrvNgNode& node)
             : sizeA.width() * sizeA.height() < sizeB.width() * sizeB.height();
     };
     OrvNgNode* topmost = nullptr;
-    const QSet<OrvNgNode*> nodes = OrvNgSceneNodes::nodes(node.scene());
-    for (OrvNgNode* other : nodes) {
-        if (other->isBackdrop() && other != &node && other->isVisible()
-            && other->sceneBoundingRect().contains(bounds)
+    const QSet<OrvNgNode*> frames = OrvNgSceneNodes::frames(node.scene());
+    for (OrvNgNode* other : frames) {
+        if (other != &node && other->isVisible() && other->sceneBoundingRect().contains(bounds)
             && (!topmost || isAbove(*other, *topmost)))
             topmost = other;
     }

@@ -6,9 +6,12 @@
 
 namespace {
 
+using NodesOfScene = QHash<const QGraphicsScene*, QSet<OrvNgNode*>>;
+
 struct Registry
 {
-    QHash<const QGraphicsScene*, QSet<OrvNgNode*>> m_NodesOfScene;
+    NodesOfScene m_NodesOfScene;
+    NodesOfScene m_FramesOfScene;
     QHash<const OrvNgNode*, const QGraphicsScene*> m_SceneOfNode;
 };
 
@@ -19,6 +22,16 @@ Registry& registry()
     return *s_Registry;
 }
 
+void removeFrom(NodesOfScene& file, const QGraphicsScene* scene, OrvNgNode* node)
+{
+    const auto nodes = file.find(scene);
+    if (nodes == file.end())
+        return;
+    nodes->remove(node);
+    if (nodes->isEmpty())
+        file.erase(nodes);
+}
+
 } // namespace
 
 void OrvNgSceneNodes::enter(OrvNgNode* node)
@@ -26,6 +39,8 @@ void OrvNgSceneNodes::enter(OrvNgNode* node)
     leave(node);
     if (const QGraphicsScene* scene = node->scene()) {
         registry().m_NodesOfScene[scene].insert(node);
+        if (node->isBackdrop())
+            registry().m_FramesOfScene[scene].insert(node);
         registry().m_SceneOfNode.insert(node, scene);
     }
 }
@@ -35,14 +50,17 @@ void OrvNgSceneNodes::leave(OrvNgNode* node)
     const auto scene = registry().m_SceneOfNode.find(node);
     if (scene == registry().m_SceneOfNode.end())
         return;
-    const auto nodes = registry().m_NodesOfScene.find(*scene);
-    nodes->remove(node);
-    if (nodes->isEmpty())
-        registry().m_NodesOfScene.erase(nodes);
+    removeFrom(registry().m_NodesOfScene, *scene, node);
+    removeFrom(registry().m_FramesOfScene, *scene, node);
     registry().m_SceneOfNode.erase(scene);
 }
 
 QSet<OrvNgNode*> OrvNgSceneNodes::nodes(const QGraphicsScene* scene)
 {
     return registry().m_NodesOfScene.value(scene);
+}
+
+QSet<OrvNgNode*> OrvNgSceneNodes::frames(const QGraphicsScene* scene)
+{
+    return registry().m_FramesOfScene.value(scene);
 }

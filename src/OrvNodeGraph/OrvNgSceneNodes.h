@@ -19,5 +19,7 @@ void leave(OrvNgNode* node);
 
 /// All nodes of the scene, child items and hidden ones included, in no order. Empty for null.
 QSet<OrvNgNode*> nodes(const QGraphicsScene* scene);
+/// Those of them that are frames (OrvNgNode::isBackdrop()). A drag asks at every move.
+QSet<OrvNgNode*> frames(const QGraphicsScene* scene);
 
 } // namespace OrvNgSceneNodes
