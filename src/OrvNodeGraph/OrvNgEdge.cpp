@@ -18,6 +18,7 @@
 #include <QPen>
 
 #include <cmath>
+#include <typeinfo>
 
 namespace {
 
@@ -76,6 +77,15 @@ bool canEndAt(const OrvNgNode* node)
         return true;
     orvNgReport(kFile, __LINE__, QStringLiteral("[ !! ] The node is being deleted"));
     return false;
+}
+
+/// One polygon for all arrows, which share its data; the tip is at the origin.
+const QPolygonF& arrowShape()
+{
+    static const QPolygonF s_Shape(
+        QVector<QPointF>{{-OrvNgEdge::kArrowLength, OrvNgEdge::kArrowLength / 2},
+            {-OrvNgEdge::kArrowLength, -OrvNgEdge::kArrowLength / 2}, {0, 0}});
+    return s_Shape;
 }
 
 // The rectangle at which edges that do not end at ports stop.
@@ -390,8 +400,11 @@ void OrvNgEdge::setDebug(bool debug)
 void OrvNgEdge::setDebugColor(const QColor& color)
 {
     m_DebugColor = color;
-    if (m_Pens)
-        m_Pens->setDebugColor(color);
+    if (m_Pens) {
+        auto pens = std::make_shared<OrvNgEdgePens>(*m_Pens);
+        pens->setDebugColor(color);
+        m_Pens = pens;
+    }
     setEdgeColor();
 }
 
@@ -407,17 +420,15 @@ void OrvNgEdge::markAsShared(bool shared)
 void OrvNgEdge::setupPen(bool shared)
 {
     m_Shared = shared;
-    if (!m_Pens)
-        m_Pens = std::make_unique<OrvNgEdgePens>();
-    m_Pens->setup(hasFlag(FlagPreferred), shared, m_DebugColor, m_Tags);
+    m_Pens = OrvNgEdgePens::get(hasFlag(FlagPreferred), shared, m_DebugColor, m_Tags);
 }
 
-OrvNgEdgePens& OrvNgEdge::pens()
+const OrvNgEdgePens& OrvNgEdge::pens()
 {
     if (!m_Pens)
         setupPen(m_Shared);
     if (!m_Pens)
-        m_Pens = std::make_unique<OrvNgEdgePens>(); // a subclass made pens of its own
+        m_Pens = std::make_shared<OrvNgEdgePens>(); // a subclass made pens of its own
     return *m_Pens;
 }
 
@@ -620,14 +631,18 @@ void OrvNgEdge::initialiseGraphicsItem()
     if (m_HasChildren)
         return;
     m_HasChildren = true;
-    m_Line = new QGraphicsPathItem(this);
-    m_Arrow = new QGraphicsPolygonItem(
-        QPolygonF({{-kArrowLength, kArrowLength / 2}, {-kArrowLength, -kArrowLength / 2}, {0, 0}}),
-        this);
+    m_Line = new QGraphicsPathItem;
+    m_Arrow = new QGraphicsPolygonItem(arrowShape());
     m_Arrow->setPen(Qt::NoPen);
     applyPen(penForState());
     if (m_RoutePending)
         route();
+    // Else the scene would clip to the edge's shape, to paint nothing: a fifth of a frame. A subclass may
+    // paint.
+    QGraphicsItem::setFlag(ItemHasNoContents, typeid(*this) == typeid(OrvNgEdge));
+    // Last: before, nobody had to be told of the children's changes.
+    m_Line->setParentItem(this);
+    m_Arrow->setParentItem(this);
 }
 
 QGraphicsPathItem* OrvNgEdge::mainEdge()

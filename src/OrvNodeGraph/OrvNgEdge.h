@@ -296,7 +296,7 @@ private:
     void makeCrossLines();
     void makeGrabCircle();
     void applyPen(const QPen& pen);
-    OrvNgEdgePens& pens();
+    const OrvNgEdgePens& pens();
     const QPen& penForState();
 
     QPointer<OrvNgNode> m_SourceNode;
@@ -329,7 +329,7 @@ private:
     QGraphicsEllipseItem* m_GrabCircle = nullptr;
 
     std::unique_ptr<Drag> m_Drag; ///< null while no end is loose
-    std::unique_ptr<OrvNgEdgePens> m_Pens; ///< null until first needed
+    std::shared_ptr<const OrvNgEdgePens> m_Pens; ///< null until first needed
     QColor m_DebugColor;
     Ends m_Ends; ///< as given to the last adjustment, before clipping
     QPointF m_LoosePoint; ///< the cursor, while an end is carried

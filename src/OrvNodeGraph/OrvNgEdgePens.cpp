@@ -2,6 +2,8 @@
 
 #include "OrvNodeGraph/OrvNgStyle.h"
 
+#include <array>
+
 namespace {
 constexpr QRgb kClusteredColor = qRgb(98, 179, 188);
 }
@@ -37,6 +39,33 @@ void OrvNgEdgePens::setup(
         applyDotted();
     if (tags.contains(QStringLiteral("_thin")))
         applyThin();
+}
+
+std::shared_ptr<const OrvNgEdgePens> OrvNgEdgePens::get(
+    bool preferred, bool shared, const QColor& debugColor, const QSet<QString>& tags)
+{
+    OrvNgEdgePens wanted;
+    wanted.setup(preferred, shared, debugColor, tags);
+    // The few kinds that a network mixes.
+    static std::array<std::weak_ptr<const OrvNgEdgePens>, 4> s_Latest;
+    static std::size_t s_Next = 0;
+    for (const auto& latest : s_Latest) {
+        std::shared_ptr<const OrvNgEdgePens> pens = latest.lock();
+        if (pens && *pens == wanted)
+            return pens;
+    }
+    auto pens = std::make_shared<const OrvNgEdgePens>(wanted);
+    s_Latest[s_Next] = pens;
+    s_Next = (s_Next + 1) % s_Latest.size();
+    return pens;
+}
+
+bool OrvNgEdgePens::operator==(const OrvNgEdgePens& other) const
+{
+    return m_Normal == other.m_Normal && m_Selected == other.m_Selected && m_Hover == other.m_Hover
+        && m_Bypassed == other.m_Bypassed && m_Activated == other.m_Activated
+        && m_Debug == other.m_Debug && m_Severed == other.m_Severed
+        && m_Clustered == other.m_Clustered;
 }
 
 void OrvNgEdgePens::setDebugColor(const QColor& color)
