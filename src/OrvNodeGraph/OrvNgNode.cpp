@@ -838,6 +838,10 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
         notifySceneOfChange();
         break;
     case ItemVisibleHasChanged:
+        // The scene also says so once for every new item, at the first event: there all is in place.
+        if (m_WasVisible == isVisible())
+            break;
+        m_WasVisible = isVisible();
         reAdjustEdges();
         showOrHideEdges();
         notifySceneOfChange();

@@ -437,6 +437,7 @@ private:
     mutable QRectF m_Bounds;
     mutable bool m_BoundsDirty = false;
     bool m_BoundsHeld = false; ///< the stored bounds are asked for, whether or not they still hold
+    bool m_WasVisible = true; ///< what the edges were last told
     bool m_IsDestroyed = false;
     bool m_IsDying = false;
 };
