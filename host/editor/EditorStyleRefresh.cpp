@@ -12,7 +12,6 @@
 #include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
 #include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgExtendedNode.h>
-#include <OrvNodeGraph/OrvNgPort.h>
 #include <OrvNodeGraph/OrvNgStyle.h>
 #include <algorithm>
 #include <utility>
@@ -28,7 +27,8 @@ bool isDerived(const QMetaProperty& property)
         || type == qMetaTypeId<QLinearGradient>();
 }
 
-// What an item has to do with a property. The scene's own colours are painted by the view.
+// What an item has to do with a property. The scene's own colours are painted by the view, and ports
+// read the colour of their text as they paint.
 Parts partsOf(const QString& propertyName)
 {
     static const QStringList s_Sizes{QStringLiteral("NodeTextPaddingX"),
@@ -39,15 +39,14 @@ Parts partsOf(const QString& propertyName)
         QStringLiteral("BackdropNodeTitleBarPaddingLeftTop"),
         QStringLiteral("BackdropNodeTitleBarPaddingRightBottom")};
     if (propertyName.startsWith(QLatin1String("Grid"))
-        || propertyName.startsWith(QLatin1String("Scene")))
+        || propertyName.startsWith(QLatin1String("Scene"))
+        || propertyName.contains(QLatin1String("Port")))
         return {};
     if (s_Sizes.contains(propertyName))
         return EditorStyleRefresh::Layout;
     if (propertyName.contains(QLatin1String("Edge"))
         || propertyName.startsWith(QLatin1String("DotableMarker")))
         return EditorStyleRefresh::Edges;
-    if (propertyName.contains(QLatin1String("Port")))
-        return EditorStyleRefresh::Ports;
     return EditorStyleRefresh::Nodes;
 }
 
@@ -77,13 +76,6 @@ void refreshEdge(OrvNgEdge* edge)
         forChildren<QGraphicsRectItem>(marker, [](QGraphicsRectItem* diamond) {
             diamond->setBrush(OrvNgStyle::instance().getDotableMarkerBrush());
         });
-    });
-}
-
-void refreshPort(QGraphicsItem* port)
-{
-    forChildren<QGraphicsSimpleTextItem>(port, [](QGraphicsSimpleTextItem* text) {
-        text->setBrush(OrvNgStyle::instance().getPortTextBrush());
     });
 }
 
@@ -173,8 +165,6 @@ void EditorStyleRefresh::refresh(QGraphicsScene* scene, Parts parts)
                 refreshNode(node, parts);
             else if (auto* edge = dynamic_cast<OrvNgEdge*>(item); edge && (parts & Edges))
                 refreshEdge(edge);
-            else if ((parts & Ports) && dynamic_cast<OrvNgPort*>(item))
-                refreshPort(item);
         }
     }
     scene->update();

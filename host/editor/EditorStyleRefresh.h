@@ -30,8 +30,7 @@ public:
         Nodes = 1, ///< brushes and titles
         Layout = 2, ///< sizes of nodes
         Edges = 4, ///< pens, arrows and labels
-        Ports = 8, ///< texts
-        All = 15
+        All = 7
     };
     Q_DECLARE_FLAGS(Parts, Part)
 

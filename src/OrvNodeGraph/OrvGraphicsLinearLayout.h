@@ -10,7 +10,7 @@
 /// cost nothing; resuming performs at most one. The pause is a flag, not a counter: pausing twice and
 /// resuming once resumes.
 ///
-/// Called by  OrvNgExtendedNode, around every batch of port and title changes.
+/// Called by  the host, for widgets of its own in the scene; nodes place their ports themselves.
 /// Uses       QGraphicsLinearLayout.
 /// Tells      its parent layout item, through the base class.
 class ORVNODEGRAPH_EXPORT OrvGraphicsLinearLayout : public QGraphicsLinearLayout

@@ -2,7 +2,6 @@
 
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgEdgeBundles.h"
-#include "OrvNodeGraph/OrvNgFaceLayout.h"
 #include "OrvNodeGraph/OrvNgInputPort.h"
 #include "OrvNodeGraph/OrvNgNodeHeader.h"
 #include "OrvNodeGraph/OrvNgNodeHeaderButton.h"
@@ -14,47 +13,24 @@
 
 #include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>
-#include <QGraphicsWidget>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QSet>
 
 #include <algorithm>
 
-/// Pauses the three layouts for a scope and resumes them from the inside out, so that each is
-/// computed at most once. Within another pause it does nothing.
+/// Holds layout work back for a scope; the caller then lays out once. Within another pause it does
+/// nothing.
 class OrvNgExtendedNode::LayoutPause
 {
 public:
     explicit LayoutPause(OrvNgExtendedNode& node)
-        : m_Node(node)
-        , m_IsOutermost(!node.m_MainLayout->invalidationPaused())
+        : m_Pause(node.m_LayoutPaused, true)
     {
-        setPaused(m_IsOutermost);
-    }
-    ~LayoutPause()
-    {
-        if (m_IsOutermost)
-            setPaused(false);
-    }
-    Q_DISABLE_COPY(LayoutPause)
-
-    static void setPaused(OrvNgExtendedNode& node, bool paused)
-    {
-        node.m_Outputs->layout().setInvalidationPaused(paused);
-        node.m_Inputs->layout().setInvalidationPaused(paused);
-        node.m_MainLayout->setInvalidationPaused(paused);
     }
 
 private:
-    void setPaused(bool paused)
-    {
-        if (m_IsOutermost)
-            setPaused(m_Node, paused);
-    }
-
-    OrvNgExtendedNode& m_Node;
-    const bool m_IsOutermost;
+    const QScopedValueRollback<bool> m_Pause;
 };
 
 namespace {
@@ -79,39 +55,27 @@ QString withLocalName(const char* format, const QString& name)
 
 OrvNgExtendedNode::OrvNgExtendedNode(QGraphicsItem* parent)
     : OrvNgNode(parent)
+    , m_Header(std::make_unique<OrvNgNodeHeader>(*this))
+    , m_Inputs(std::make_unique<OrvNgPortList>(OrvNgPortList::Side::Inputs))
+    , m_Outputs(std::make_unique<OrvNgPortList>(OrvNgPortList::Side::Outputs))
 {
     // Then neither the scene's index nor a paint looks at the parts of a node that is out of sight.
     setFlag(ItemContainsChildrenInShape);
-    buildItems();
-    OrvNgExtendedNode::recalcNodeShapeRect();
-}
-
-void OrvNgExtendedNode::buildItems()
-{
-    m_MainWidget = new QGraphicsWidget(this);
-    m_MainWidget->setFlag(ItemHasNoContents);
-    m_MainLayout = new OrvNgFaceLayout;
-
-    m_Header = std::make_unique<OrvNgNodeHeader>(*this, *m_MainWidget);
     setInsertionProbe(m_Header->autoInsertMarker());
-    m_MainLayout->addItem(&m_Header->widget());
-    m_Outputs = std::make_unique<OrvNgPortList>(
-        OrvNgPortList::Side::Outputs, *m_MainLayout, kPortListMargin, 0.0);
-    m_Inputs = std::make_unique<OrvNgPortList>(
-        OrvNgPortList::Side::Inputs, *m_MainLayout, 0.0, kPortListMargin);
-    m_MainWidget->setLayout(m_MainLayout);
+    OrvNgExtendedNode::recalcNodeShapeRect();
 }
 
 OrvNgExtendedNode::~OrvNgExtendedNode()
 {
-    LayoutPause::setPaused(*this, true); // nobody will see the ports again
+    m_LayoutPaused = true; // nobody will see the ports again
     aboutToBeDestroyed();
     // Out of the scene as a whole object: the index forgets an item that is deleted in the scene
     // only in a pass over all others, and each port would become a top-level item before it is
     // deleted.
     if (scene())
         scene()->removeItem(this);
-    delete m_MainWidget;
+    m_Outputs->deletePorts();
+    m_Inputs->deletePorts();
 }
 
 // Identity and state
@@ -206,9 +170,9 @@ QString OrvNgExtendedNode::outputDisplayText(const QString& name) const
 void OrvNgExtendedNode::createInput(const QString& name, bool flag, const QSet<QString>& tags)
 {
     if (!inputExists(name) && !m_Inputs->contains(name)) {
-        auto* port = new OrvNgInputPort(this, inputDisplayText(name), name, flag);
-        port->setVisible(false); // before the layout knows it: it takes no room yet
-        m_Inputs->insert(-1, port);
+        m_Inputs->insert(-1,
+            new OrvNgInputPort(
+                this, inputDisplayText(name), name, flag, OrvNgPort::Birth::HiddenInNode));
     }
     OrvNgNode::createInput(name, flag, tags);
     OrvNgEdge* edge = m_PortListMode == PORT_LIST_T2B ? input(name) : nullptr;
@@ -223,9 +187,9 @@ void OrvNgExtendedNode::createOutputPoint(const QString& name, bool withEdge)
         return;
     }
     if (withEdge && !m_Outputs->contains(name)) {
-        auto* port = new OrvNgOutputPort(this, outputDisplayText(name), name);
-        port->setVisible(false);
-        m_Outputs->insert(-1, port);
+        m_Outputs->insert(-1,
+            new OrvNgOutputPort(
+                this, outputDisplayText(name), name, OrvNgPort::Birth::HiddenInNode));
     }
     OrvNgNode::createOutputPoint(name, withEdge);
 }
@@ -234,7 +198,6 @@ void OrvNgExtendedNode::createOutputPoint(const QString& name, bool withEdge)
 void OrvNgExtendedNode::dropPort(OrvNgPortList& ports, const QString& name)
 {
     ports.remove(name);
-    m_MainLayout->invalidate();
 }
 
 void OrvNgExtendedNode::removeInput(int index)
@@ -358,12 +321,9 @@ QStringList OrvNgExtendedNode::sortedOutputPoints()
 
 void OrvNgExtendedNode::reorderPorts(OrvNgPortList& ports, const QStringList& names)
 {
-    {
-        const LayoutPause pause(*this);
-        ports.reorder(names);
-        m_MainLayout->invalidate();
-    }
-    layOutMainWidget();
+    ports.reorder(names);
+    if (!m_LayoutPaused)
+        placePorts();
 }
 
 void OrvNgExtendedNode::reorderInputPorts(QStringList names)
@@ -416,10 +376,11 @@ void OrvNgExtendedNode::setInputPortClusterMap(QList<QPair<QString, QStringList>
         for (const auto& entry : previous)
             dropInputCluster(entry.first);
         m_Inputs->setClusters(usableClusters(*m_Inputs, clusters));
-        int layoutIndex = 0;
+        int index = 0;
         for (const auto& entry : m_Inputs->clusters().list()) {
             const QString& name = entry.first;
-            m_Inputs->insertCluster(layoutIndex++, new OrvNgInputPort(this, name, name, false));
+            m_Inputs->insertCluster(index++,
+                new OrvNgInputPort(this, name, name, false, OrvNgPort::Birth::HiddenInNode));
             OrvNgNode::createInput(name, false, {});
             if (OrvNgEdge* edge = input(name))
                 edge->setText(name, QString());
@@ -436,10 +397,11 @@ void OrvNgExtendedNode::setOutputPortClusterMap(QList<QPair<QString, QStringList
         for (const auto& entry : previous)
             dropPort(*m_Outputs, entry.first);
         m_Outputs->setClusters(usableClusters(*m_Outputs, clusters));
-        int layoutIndex = 0;
+        int index = 0;
         for (const auto& entry : m_Outputs->clusters().list()) {
             const QString& name = entry.first;
-            m_Outputs->insertCluster(layoutIndex++, new OrvNgOutputPort(this, name, name));
+            m_Outputs->insertCluster(
+                index++, new OrvNgOutputPort(this, name, name, OrvNgPort::Birth::HiddenInNode));
         }
     }
     clustersChanged();
@@ -593,7 +555,7 @@ bool OrvNgExtendedNode::showPorts()
 
 void OrvNgExtendedNode::updateAfterPortVisibilityChange()
 {
-    if (m_MainLayout->invalidationPaused()) {
+    if (m_LayoutPaused) {
         m_GeometryPending = true;
         return;
     }
@@ -656,9 +618,6 @@ bool OrvNgExtendedNode::bundlesEdges() const
 
 void OrvNgExtendedNode::updateWidget()
 {
-    m_Outputs->layout().invalidate();
-    m_Inputs->layout().invalidate();
-    m_MainLayout->invalidate();
     updateAfterPortVisibilityChange();
     update();
 }
@@ -678,17 +637,15 @@ double OrvNgExtendedNode::shownEdgesSpan()
 
 void OrvNgExtendedNode::recalcNodeShapeRect()
 {
-    if (m_MainLayout->invalidationPaused()) {
+    if (m_LayoutPaused) {
         m_GeometryPending = true;
         return;
     }
-    const OrvNgHeaderLayout::Arrangement header = m_Header->arrange(
-        shownEdgesSpan(), m_Inputs->layout().minimumWidth(), m_Outputs->layout().minimumWidth());
+    const OrvNgHeaderLayout::Arrangement header
+        = m_Header->arrange(shownEdgesSpan(), m_Inputs->room().width(), m_Outputs->room().width());
     resizeHeader(header.m_Size);
-    m_TextAreaRect = header.m_TextArea;
     m_Header->place(header);
-    layOutMainWidget();
-    updateFaceBounds();
+    placePorts();
     notifySceneOfChange();
 }
 
@@ -696,34 +653,26 @@ void OrvNgExtendedNode::resizeHeader(const QSizeF& size)
 {
     if (size == m_NodeShapeRect.size())
         return;
-    {
-        const LayoutPause pause(*this);
-        m_Header->resizeWidget(size);
-    }
     const bool gradientMoves = size.height() != m_NodeShapeRect.height();
     m_NodeShapeRect = QRectF(QPointF(0.0, 0.0), size);
     if (gradientMoves)
         setCorrectColor();
 }
 
-/// Nobody else gives the main widget a size, because its parent is not a widget; and without an
-/// event loop nobody else lays its ports out in time for the edges.
-void OrvNgExtendedNode::layOutMainWidget()
+/// Outputs below the header, inputs below them; a node without shown ports has the margins as well.
+void OrvNgExtendedNode::placePorts()
 {
-    const QSizeF size = m_MainWidget->effectiveSizeHint(Qt::PreferredSize);
-    if (size != m_MainWidget->size())
-        m_MainWidget->resize(size);
-    else
-        m_MainLayout->layOut();
-}
-
-void OrvNgExtendedNode::updateFaceBounds()
-{
-    const QRectF bounds = QRectF(QPointF(0.0, 0.0), m_MainWidget->size()).united(m_NodeShapeRect);
-    if (bounds == m_FaceBounds)
-        return;
-    prepareGeometryChange();
-    m_FaceBounds = bounds;
+    const double width = m_NodeShapeRect.width();
+    const double outputsTop = m_NodeShapeRect.height() + kPortListMargin;
+    const double inputsTop = outputsTop + m_Outputs->room().height();
+    const double bottom = inputsTop + m_Inputs->room().height() + kPortListMargin;
+    const QRectF bounds(0.0, 0.0, width, bottom);
+    if (bounds != m_FaceBounds) {
+        prepareGeometryChange();
+        m_FaceBounds = bounds;
+    }
+    m_Outputs->place(outputsTop, width);
+    m_Inputs->place(inputsTop, width);
 }
 
 QRectF OrvNgExtendedNode::nodeShapeRect()
@@ -738,7 +687,7 @@ QRectF OrvNgExtendedNode::boundingRect() const
 
 void OrvNgExtendedNode::pauseInvalidation(bool paused)
 {
-    LayoutPause::setPaused(*this, paused);
+    m_LayoutPaused = paused;
     if (!paused && m_GeometryPending)
         updateAfterPortVisibilityChange();
 }

@@ -7,11 +7,9 @@
 
 #include <memory>
 
-class OrvNgFaceLayout;
 class OrvNgNodeHeader;
 class OrvNgPort;
 class OrvNgPortList;
-class QGraphicsWidget;
 
 /// The node kind that shows its ports as widgets: a header row (icons, title, mode button) and
 /// below it the output ports, then the input ports. Edges attach to the shown ports.
@@ -223,7 +221,6 @@ protected:
 private:
     class LayoutPause;
 
-    void buildItems();
     void dropPort(OrvNgPortList& ports, const QString& name);
     void dropInputCluster(const QString& cluster);
     QString inputDisplayText(const QString& name);
@@ -244,25 +241,22 @@ private:
     bool outputAttachmentPoint(const QString& name, QPointF& scenePos) const;
     double shownEdgesSpan();
     void resizeHeader(const QSizeF& size);
-    void layOutMainWidget();
-    void updateFaceBounds();
+    void placePorts();
 
     void pullOutEdge(OrvNgEdge* edge, const QPointF& scenePos, bool isOutput);
     bool isBareHeader() const;
     void drawRoundedBody(QPainter* painter, double grownBy, const QColor& color) const;
 
-    QGraphicsWidget* m_MainWidget = nullptr;
-    OrvNgFaceLayout* m_MainLayout = nullptr;
     std::unique_ptr<OrvNgNodeHeader> m_Header;
     std::unique_ptr<OrvNgPortList> m_Inputs; ///< ports and clusters; the edges are the base node's
     std::unique_ptr<OrvNgPortList> m_Outputs;
     QVector<QPointer<OrvNgEdge>>
         m_LabelledEdges; ///< those whose label updateTextVisibility() switched on
     QRectF m_NodeShapeRect;
-    QRectF m_TextAreaRect;
     QRectF m_BodyRect;
     QRectF m_FaceBounds;
     PortListMode m_PortListMode = PORT_LIST_EXPANDED;
+    bool m_LayoutPaused = false;
     bool m_GeometryPending = false; ///< a layout request came while layouts were paused
     bool m_InParentSelection = false;
 };

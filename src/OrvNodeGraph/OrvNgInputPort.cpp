@@ -12,8 +12,8 @@ constexpr double kTextGap = 2.0;
 }
 
 OrvNgInputPort::OrvNgInputPort(
-    OrvNgExtendedNode* node, const QString& text, const QString& name, bool boldText)
-    : OrvNgPort(node, text, name, boldText)
+    OrvNgExtendedNode* node, const QString& text, const QString& name, bool boldText, Birth birth)
+    : OrvNgPort(node, text, name, boldText, birth)
 {
     setText(text);
 }

@@ -14,8 +14,8 @@ class ORVNODEGRAPH_EXPORT OrvNgInputPort : public OrvNgPort
     Q_OBJECT
 
 public:
-    OrvNgInputPort(
-        OrvNgExtendedNode* node, const QString& text, const QString& name, bool boldText);
+    OrvNgInputPort(OrvNgExtendedNode* node, const QString& text, const QString& name, bool boldText,
+        Birth birth = Birth::Shown);
 
 protected:
     QPointF squarePos() const override;

@@ -6,7 +6,7 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "OrvNodeGraph/OrvNgSvgIconItem.h"
 
-#include <QGraphicsWidget>
+#include <QGraphicsEllipseItem>
 #include <QPen>
 
 namespace {
@@ -50,14 +50,12 @@ QGraphicsEllipseItem* newAutoInsertMarker(QGraphicsItem* parent)
 
 } // namespace
 
-OrvNgNodeHeader::OrvNgNodeHeader(OrvNgExtendedNode& node, QGraphicsWidget& mainWidget)
+OrvNgNodeHeader::OrvNgNodeHeader(OrvNgExtendedNode& node)
     : m_Node(node)
-    , m_Widget(new QGraphicsWidget(&mainWidget))
-    , m_Title(new OrvNgLodTextItem(QStringLiteral("Text Node Test"), m_Widget))
+    , m_Title(new OrvNgLodTextItem(QStringLiteral("Text Node Test"), &node))
     , m_AutoInsertMarker(newAutoInsertMarker(&node))
     , m_Button(new OrvNgNodeHeaderButton(&node))
 {
-    m_Widget->setFlag(QGraphicsItem::ItemHasNoContents);
     m_Title->setBrush(OrvNgStyle::instance().getNodeTextBrush());
 }
 
@@ -106,7 +104,7 @@ bool OrvNgNodeHeader::setIconVisible(bool visible, int index)
 
 void OrvNgNodeHeader::placeIcons(bool outlineIsPointed)
 {
-    const int height = static_cast<int>(m_Widget->size().height());
+    const int height = static_cast<int>(m_Size.height());
     const int margin = static_cast<int>(height * kIconMarginOfHeight);
     const int side = height - 2 * margin;
     int x = outlineIsPointed ? 2 * margin : margin;
@@ -141,17 +139,11 @@ OrvNgHeaderLayout::Arrangement OrvNgNodeHeader::arrange(
     return OrvNgHeaderLayout::arrange(contents, styleDimensions());
 }
 
-void OrvNgNodeHeader::resizeWidget(const QSizeF& size)
-{
-    m_Widget->setMinimumSize(size);
-    m_Widget->setMaximumSize(size);
-    m_Widget->resize(size);
-}
-
 void OrvNgNodeHeader::place(const OrvNgHeaderLayout::Arrangement& arrangement)
 {
+    m_Size = arrangement.m_Size;
     m_Title->setPos(arrangement.m_TitlePos);
-    m_AutoInsertMarker->setPos(m_Widget->boundingRect().center());
-    m_Button->setSide(arrangement.m_Size.height());
+    m_Button->setSide(m_Size.height());
     m_Button->setPos(arrangement.m_ButtonPos);
+    m_AutoInsertMarker->setPos(m_Size.width() * 0.5, m_Size.height() * 0.5);
 }

@@ -12,10 +12,9 @@ class OrvNgNodeHeaderButton;
 class OrvNgSvgIconItem;
 class QGraphicsEllipseItem;
 class QGraphicsItem;
-class QGraphicsWidget;
 
-/// Internal. The items of an extended node's header: its widget with the title, the icons, the mode
-/// button and the auto-insert marker. The items belong to the node; the header makes, measures and
+/// Internal. The items of an extended node's header: the title, the icons, the mode button and the
+/// auto-insert marker. They are children of the node, which owns them; the header makes, measures and
 /// places them.
 ///
 /// Called by  OrvNgExtendedNode, which holds one and lays itself out after each change.
@@ -24,11 +23,9 @@ class QGraphicsWidget;
 class OrvNgNodeHeader
 {
 public:
-    /// The header's widget becomes a child of mainWidget, which is the node's.
-    OrvNgNodeHeader(OrvNgExtendedNode& node, QGraphicsWidget& mainWidget);
+    explicit OrvNgNodeHeader(OrvNgExtendedNode& node);
     Q_DISABLE_COPY(OrvNgNodeHeader)
 
-    QGraphicsWidget& widget() const { return *m_Widget; }
     OrvNgNodeHeaderButton& button() const { return *m_Button; }
     /// Finds the edge into which the dragged node would go; never shown.
     QGraphicsItem* autoInsertMarker() const;
@@ -49,8 +46,7 @@ public:
     /// ports.
     OrvNgHeaderLayout::Arrangement arrange(
         double edgeSpan, double inputPortsWidth, double outputPortsWidth) const;
-    void resizeWidget(const QSizeF& size);
-    /// Moves title, button and marker to their places in a widget that has its size already.
+    /// Moves title, button and marker to their places.
     void place(const OrvNgHeaderLayout::Arrangement& arrangement);
 
 private:
@@ -58,9 +54,9 @@ private:
     bool isShown(const QGraphicsItem& item) const;
 
     OrvNgExtendedNode& m_Node;
-    QGraphicsWidget* const m_Widget;
     OrvNgLodTextItem* const m_Title;
     QGraphicsEllipseItem* const m_AutoInsertMarker;
     OrvNgNodeHeaderButton* const m_Button;
     QList<OrvNgSvgIconItem*> m_Icons; ///< from left to right
+    QSizeF m_Size;
 };

@@ -11,8 +11,9 @@ constexpr double kTextGap = 2.0;
 
 }
 
-OrvNgOutputPort::OrvNgOutputPort(OrvNgExtendedNode* node, const QString& text, const QString& name)
-    : OrvNgPort(node, text, name, false)
+OrvNgOutputPort::OrvNgOutputPort(
+    OrvNgExtendedNode* node, const QString& text, const QString& name, Birth birth)
+    : OrvNgPort(node, text, name, false, birth)
 {
     setText(text);
 }
@@ -29,7 +30,7 @@ QPointF OrvNgOutputPort::squarePos() const
 
 QPointF OrvNgOutputPort::textPos() const
 {
-    return QPointF(rect().width() - kPortWidth - textItemWidth() - kTextGap, textTop());
+    return QPointF(rect().width() - kPortWidth - textWidth() - kTextGap, textTop());
 }
 
 bool OrvNgOutputPort::isConnected() const

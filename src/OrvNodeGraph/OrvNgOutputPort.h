@@ -13,7 +13,8 @@ class ORVNODEGRAPH_EXPORT OrvNgOutputPort : public OrvNgPort
     Q_OBJECT
 
 public:
-    OrvNgOutputPort(OrvNgExtendedNode* node, const QString& text, const QString& name);
+    OrvNgOutputPort(OrvNgExtendedNode* node, const QString& text, const QString& name,
+        Birth birth = Birth::Shown);
 
     /// Reaches to the square, which lies outside the text's room in a stretched port.
     QRectF boundingRect() const override;

@@ -1,14 +1,12 @@
 #include "OrvNodeGraph/OrvNgPort.h"
 
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
-#include "OrvNodeGraph/OrvNgLodTextItem.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
+#include "OrvNodeGraph/OrvNgTextCache.h"
 
-#include <QFont>
-#include <QFontMetrics>
-#include <QGraphicsLayout>
-#include <QGraphicsSceneResizeEvent>
 #include <QPainter>
+#include <QPen>
+#include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
 #include <cmath>
@@ -20,13 +18,15 @@ struct OrvNgPort::Colors
     QColor m_Clustered;
     QColor m_ClusteredNoConnection;
     QColor m_Highlight;
+    float m_LodThreshold;
 
     bool operator==(const Colors& other) const
     {
         return m_Port == other.m_Port && m_NoConnection == other.m_NoConnection
             && m_Clustered == other.m_Clustered
             && m_ClusteredNoConnection == other.m_ClusteredNoConnection
-            && m_Highlight == other.m_Highlight;
+            && m_Highlight == other.m_Highlight
+            && qFuzzyCompare(m_LodThreshold, other.m_LodThreshold);
     }
 };
 
@@ -50,18 +50,23 @@ QFont boldFont()
 
 } // namespace
 
-OrvNgPort::OrvNgPort(OrvNgExtendedNode* node, const QString&, const QString& name, bool boldText)
-    : QGraphicsWidget(node)
-    , m_Colors(currentColors())
+OrvNgPort::OrvNgPort(OrvNgExtendedNode* node, const QString& /*text*/, const QString& name,
+    bool boldText, Birth birth)
+    : m_Colors(currentColors())
     , m_OriginalPortName(name)
-    , m_TextItem(new OrvNgLodTextItem(QString(), this))
     , m_Node(node)
+    , m_Stacked(birth == Birth::HiddenInNode)
 {
-    m_TextItem->setBrush(OrvNgStyle::instance().getPortTextBrush());
     if (boldText)
-        m_TextItem->setFont(boldFont());
+        m_Font = boldFont();
+    if (m_Stacked) {
+        QGraphicsWidget::setVisible(false);
+        setMaximumHeight(0.0);
+    }
     setAcceptHoverEvents(true);
     setFlag(ItemUsesExtendedStyleOption, false); // paint() needs no exposed rectangle
+    // Last: outside a scene none of the above has anybody to tell.
+    setParentItem(node);
 }
 
 /// The style's colours of this moment, shared with the ports made before while they are the same.
@@ -71,7 +76,7 @@ std::shared_ptr<const OrvNgPort::Colors> OrvNgPort::currentColors()
     const OrvNgStyle& style = OrvNgStyle::instance();
     const Colors colors{style.getPortColor(), style.getPortNoConnectionColor(),
         style.getClusteredPortColor(), style.getClusteredPortNoConnectionColor(),
-        style.getPortHighlightColor()};
+        style.getPortHighlightColor(), style.getSceneLODSwitchThreshold()};
     std::shared_ptr<const Colors> shared = s_Latest.lock();
     if (!shared || !(*shared == colors)) {
         shared = std::make_shared<const Colors>(colors);
@@ -82,20 +87,15 @@ std::shared_ptr<const OrvNgPort::Colors> OrvNgPort::currentColors()
 
 void OrvNgPort::setText(const QString& text)
 {
-    m_TextItem->setText(text);
-    m_TextSize = text.isEmpty() // an empty line would still be as high as its font
-        ? QSizeF(0.0, 0.0)
-        : QFontMetrics(m_TextItem->font()).size(Qt::TextSingleLine, text);
+    m_Text = text;
+    const OrvNgTextCache::Entry& entry = OrvNgTextCache::find(text, m_Font);
+    m_TextSize = entry.lineSize();
+    m_TextWidth = entry.drawnWidth();
     prepareGeometryChange();
     m_BoundsRect
         = QRectF(0.0, 0.0, m_TextSize.width() + kPortWidth, qMax(kPortHeight, m_TextSize.height()));
-    placeText();
     applySizeRule();
-}
-
-QString OrvNgPort::text() const
-{
-    return m_TextItem->text();
+    update();
 }
 
 void OrvNgPort::setOriginalPortName(const QString& name)
@@ -126,9 +126,11 @@ void OrvNgPort::setSpecialPortColor(const QColor& color)
 
 void OrvNgPort::setVisible(bool visible)
 {
+    if (visible == isShown())
+        return;
     prepareGeometryChange();
     QGraphicsWidget::setVisible(visible);
-    applySizeRule();
+    applySizeRule(); // within a hidden node no change of the item is told
 }
 
 QVariant OrvNgPort::itemChange(GraphicsItemChange change, const QVariant& value)
@@ -139,8 +141,6 @@ QVariant OrvNgPort::itemChange(GraphicsItemChange change, const QVariant& value)
     return QGraphicsWidget::itemChange(change, value);
 }
 
-/// The layouts above learn nothing by themselves: Qt invalidates only the outermost one, and the
-/// port list keeps its cached size.
 void OrvNgPort::applySizeRule()
 {
     const QSizeF room = isShown() ? m_BoundsRect.size() : QSizeF();
@@ -149,33 +149,23 @@ void OrvNgPort::applySizeRule()
     m_Room = room;
     setMinimumSize(room);
     setMaximumHeight(qMax(0.0, room.height()));
-    QGraphicsLayoutItem* list = parentLayoutItem();
-    if (!list || !list->isLayout())
-        return;
-    static_cast<QGraphicsLayout*>(list)->invalidate();
-    if (m_Node)
+    if (m_Stacked && m_Node)
         m_Node->portRoomChanged();
+}
+
+/// The base class would resize the port at every change of its limits; its node does so once, when it
+/// places it.
+void OrvNgPort::updateGeometry()
+{
+    if (m_Stacked)
+        QGraphicsLayoutItem::updateGeometry();
+    else
+        QGraphicsWidget::updateGeometry();
 }
 
 OrvNgExtendedNode* OrvNgPort::node() const
 {
     return m_Node;
-}
-
-double OrvNgPort::textItemWidth() const
-{
-    return m_TextItem->boundingRect().width();
-}
-
-void OrvNgPort::placeText()
-{
-    m_TextItem->setPos(textPos());
-}
-
-void OrvNgPort::resizeEvent(QGraphicsSceneResizeEvent* event)
-{
-    QGraphicsWidget::resizeEvent(event);
-    placeText();
 }
 
 void OrvNgPort::setGeometry(const QRectF& rect)
@@ -233,4 +223,15 @@ void OrvNgPort::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidge
     if (m_MouseHovered)
         painter->fillRect(rect(), m_Colors->m_Highlight);
     painter->fillRect(portRect(), squareColor());
+    drawText(painter);
+}
+
+void OrvNgPort::drawText(QPainter* painter) const
+{
+    const double levelOfDetail
+        = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter->worldTransform());
+    if (m_Text.isEmpty() || levelOfDetail <= double(m_Colors->m_LodThreshold))
+        return;
+    painter->setPen(QPen(OrvNgStyle::instance().getPortTextBrush(), 0.0));
+    OrvNgTextCache::find(m_Text, m_Font).draw(painter, textPos());
 }

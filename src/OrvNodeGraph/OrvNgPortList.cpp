@@ -1,11 +1,11 @@
 #include "OrvNodeGraph/OrvNgPortList.h"
 
-#include "OrvNodeGraph/OrvNgColumnLayout.h"
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 #include "OrvNodeGraph/OrvNgPortVisibility.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -14,21 +14,38 @@ const QLatin1String kHiddenTag("_hidden");
 
 } // namespace
 
-OrvNgPortList::OrvNgPortList(
-    Side side, OrvGraphicsLinearLayout& mainLayout, double topMargin, double bottomMargin)
-    : m_Side(side)
-    , m_Layout(new OrvNgColumnLayout(kPortSpacing))
+QSizeF OrvNgPortList::room() const
 {
-    m_Layout->setContentsMargins(0.0, topMargin, 0.0, bottomMargin);
-    mainLayout.addItem(m_Layout);
+    double width = 0.0;
+    double height = 0.0;
+    double gap = 0.0;
+    for (const OrvNgPort* port : m_Order) {
+        if (!port->isShown())
+            continue;
+        const QSizeF room = port->room();
+        width = qMax(width, room.width());
+        height += gap + room.height();
+        gap = kPortSpacing;
+    }
+    return QSizeF(width, height);
 }
 
-/// Null for an item that a host put into the layout and that is no port.
-OrvNgPort* OrvNgPortList::portAt(int layoutIndex) const
+void OrvNgPortList::place(double top, double width)
 {
-    QGraphicsLayoutItem* entry = m_Layout->itemAt(layoutIndex);
-    QGraphicsItem* item = entry ? entry->graphicsItem() : nullptr;
-    return item ? qobject_cast<OrvNgPort*>(item->toGraphicsObject()) : nullptr;
+    for (OrvNgPort* port : qAsConst(m_Order)) {
+        if (!port->isShown())
+            continue;
+        const double height = port->room().height();
+        port->setGeometry(QRectF(0.0, top, width, height));
+        top += height + kPortSpacing;
+    }
+}
+
+void OrvNgPortList::deletePorts()
+{
+    const QVector<OrvNgPort*> ports = std::exchange(m_Order, {});
+    m_Ports.clear();
+    qDeleteAll(ports);
 }
 
 bool OrvNgPortList::isShown(const QString& name) const
@@ -50,47 +67,45 @@ OrvNgPort* OrvNgPortList::attachingPort(
 
 OrvNgPort* OrvNgPortList::shownPortUnderPos(const QPointF& scenePos) const
 {
-    for (int i = 0; i < m_Layout->count(); ++i) {
-        OrvNgPort* candidate = portAt(i);
-        if (candidate && candidate->isShown()
-            && candidate->portRectMappedToScene().contains(scenePos))
-            return candidate;
+    for (OrvNgPort* port : m_Order) {
+        if (port->isShown() && port->portRectMappedToScene().contains(scenePos))
+            return port;
     }
     return nullptr;
 }
 
 OrvNgPort* OrvNgPortList::shownPortAround(const QPointF& scenePos) const
 {
-    OrvNgPort* port = shownPortUnderPos(scenePos);
-    for (int i = 0; !port && i < m_Layout->count(); ++i) {
-        OrvNgPort* candidate = portAt(i);
-        if (candidate && candidate->isShown() && candidate->sceneBoundingRect().contains(scenePos))
-            port = candidate;
+    if (OrvNgPort* port = shownPortUnderPos(scenePos))
+        return port;
+    for (OrvNgPort* port : m_Order) {
+        if (port->isShown() && port->sceneBoundingRect().contains(scenePos))
+            return port;
     }
-    return port;
+    return nullptr;
 }
 
 QStringList OrvNgPortList::ordinaryNames() const
 {
     QStringList names;
-    for (int i = 0; i < m_Layout->count(); ++i) {
-        const OrvNgPort* entry = portAt(i);
-        if (entry && !entry->isClustered())
-            names.append(entry->originalPortName());
+    for (const OrvNgPort* port : m_Order) {
+        if (!port->isClustered())
+            names.append(port->originalPortName());
     }
     return names;
 }
 
-void OrvNgPortList::insert(int layoutIndex, OrvNgPort* port)
+void OrvNgPortList::insert(int index, OrvNgPort* port)
 {
-    m_Layout->insertItem(layoutIndex, port); // the layout also becomes its parent
+    m_Order.insert(index < 0 ? m_Order.size() : index, port);
     m_Ports.insert(port->originalPortName(), port);
 }
 
-void OrvNgPortList::insertCluster(int layoutIndex, OrvNgPort* port)
+void OrvNgPortList::insertCluster(int index, OrvNgPort* port)
 {
     port->setClustered(true);
-    insert(layoutIndex, port);
+    insert(index, port);
+    port->setVisible(true);
 }
 
 void OrvNgPortList::remove(const QString& name)
@@ -98,9 +113,8 @@ void OrvNgPortList::remove(const QString& name)
     OrvNgPort* port = m_Ports.take(name);
     if (port->isClustered())
         m_Clusters.removeCluster(name);
-    m_Layout->removeItem(port);
+    m_Order.removeOne(port);
     delete port;
-    m_Layout->invalidate();
 }
 
 void OrvNgPortList::rename(const QString& from, const QString& to, const QString& text)
@@ -118,8 +132,8 @@ void OrvNgPortList::reorder(const QStringList& names)
 {
     const auto moveToTop = [this](const QString& name) {
         if (OrvNgPort* moved = port(name)) {
-            m_Layout->removeItem(moved);
-            m_Layout->insertItem(0, moved);
+            m_Order.removeOne(moved);
+            m_Order.prepend(moved);
         }
     };
     std::for_each(names.crbegin(), names.crend(), moveToTop);
@@ -161,10 +175,7 @@ bool OrvNgPortList::show(OrvNgExtendedNode::PortListMode mode, const QList<OrvNg
     const EdgesByPoint edgesOfPorts = edgesByPoint(nodeEdges);
     bool anyChanged = false;
     m_ConnectedShown = 0;
-    for (int i = 0; i < m_Layout->count(); ++i) {
-        OrvNgPort* port = portAt(i);
-        if (!port)
-            continue;
+    for (OrvNgPort* port : qAsConst(m_Order)) {
         const EdgeRange edges = edgesOfPorts.equal_range(port->originalPortName());
         const bool belongs = belongsInto(mode, *port, edges);
         if (belongs && mode == OrvNgExtendedNode::PORT_LIST_ONLY_CONNECTED)

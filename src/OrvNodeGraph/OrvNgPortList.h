@@ -3,27 +3,37 @@
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPortClusters.h"
 
-class OrvGraphicsLinearLayout;
+#include <QVector>
 
-/// Internal. The ports of one side of an extended node: the layout in which they stand, the ports
-/// by name, and the clusters. Both sides follow the same rules; what differs is asked of m_Side.
+/// Internal. The ports of one side of an extended node: in the order in which they stand, by name, and
+/// the clusters. Both sides follow the same rules; what differs is asked of m_Side.
 ///
-/// The main layout owns the layout, and the node the ports; the list only finds and moves them.
+/// It stands the shown ports one below the other itself. Qt's layouts do the same for every style and
+/// stretch, and pay for it with three layouts, two more widgets and several events for each node: a
+/// fifth of the time to build one and 7 KB.
 ///
 /// Called by  OrvNgExtendedNode, which holds one for its inputs and one for its outputs.
-/// Uses       OrvNgPortClusters, OrvNgPortVisibility, OrvGraphicsLinearLayout.
+/// Uses       OrvNgPortClusters, OrvNgPortVisibility.
 /// Tells      the edges of ports that it shows or hides.
 class OrvNgPortList
 {
 public:
     enum class Side { Inputs, Outputs };
 
-    /// Appends the list's layout to the node's.
-    OrvNgPortList(
-        Side side, OrvGraphicsLinearLayout& mainLayout, double topMargin, double bottomMargin);
+    explicit OrvNgPortList(Side side)
+        : m_Side(side)
+    {
+    }
     Q_DISABLE_COPY(OrvNgPortList)
 
-    OrvGraphicsLinearLayout& layout() const { return *m_Layout; }
+    /// The least width of the shown ports, and their height with the spacing between them.
+    QSizeF room() const;
+    /// Stands the shown ports one below the other, each as wide as width and the port allow. top and width
+    /// in the coordinates of the ports' parent.
+    void place(double top, double width);
+    /// Deletes all ports. Their node is about to go.
+    void deletePorts();
+
     const OrvNgPortClusters& clusters() const { return m_Clusters; }
     void setClusters(const OrvNgPortClusters::List& clusters) { m_Clusters.assign(clusters); }
 
@@ -41,10 +51,10 @@ public:
     /// The ports that stand for a single point each, from top to bottom.
     QStringList ordinaryNames() const;
 
-    /// Takes a port in at a place of the layout, -1 for the end.
-    void insert(int layoutIndex, OrvNgPort* port);
-    /// Inserts a port at a place of the layout as that of a whole cluster.
-    void insertCluster(int layoutIndex, OrvNgPort* port);
+    /// Takes a port in at a place, -1 for the end. Ports are made with OrvNgPort::Birth::HiddenInNode.
+    void insert(int index, OrvNgPort* port);
+    /// Inserts a port at a place as that of a whole cluster, and shows it.
+    void insertCluster(int index, OrvNgPort* port);
     /// Deletes a port, and with a cluster's port the cluster. The name must have one.
     void remove(const QString& name);
     /// Files the port of a point under the point's new name; nothing happens without a port.
@@ -62,13 +72,12 @@ private:
     using EdgesByPoint = QMultiHash<QString, OrvNgEdge*>;
     using EdgeRange = QPair<EdgesByPoint::const_iterator, EdgesByPoint::const_iterator>;
 
-    OrvNgPort* portAt(int layoutIndex) const;
     EdgesByPoint edgesByPoint(const QList<OrvNgEdge*>& edges) const;
     bool belongsInto(
         OrvNgExtendedNode::PortListMode mode, const OrvNgPort& port, const EdgeRange& edges) const;
 
     const Side m_Side;
-    OrvGraphicsLinearLayout* const m_Layout;
+    QVector<OrvNgPort*> m_Order; ///< from top to bottom, hidden ones included
     QHash<QString, OrvNgPort*> m_Ports; ///< by connection point or cluster name
     OrvNgPortClusters m_Clusters;
     int m_ConnectedShown = 0;
