@@ -6,8 +6,11 @@
 
 #include <OrvCore/OrvUndoManager.h>
 
+#include <QGraphicsTextItem>
 #include <QTest>
 #include <QUndoStack>
+
+#include <OrvNodeGraph/OrvNgStyle.h>
 
 namespace EditorTesting {
 
@@ -25,9 +28,13 @@ struct Stage : EditorUser
     QStringList m_Status;
 
     explicit Stage(const QString& file)
+        : Stage(std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document), 0)
+    {
+    }
+    Stage(std::shared_ptr<NetEditor> editor, int scope)
         : EditorUser(&m_View)
-        , m_Editor(std::make_shared<NetEditor>(NetReader(NetSearchPath()).read(file).document))
-        , m_Scene(std::make_unique<EditorScene>(m_Editor, 0))
+        , m_Editor(std::move(editor))
+        , m_Scene(std::make_unique<EditorScene>(m_Editor, scope))
     {
         history().clear();
         QObject::connect(m_Scene.get(), &EditorScene::status,
@@ -81,48 +88,67 @@ struct Stage : EditorUser
         }
         return -1;
     }
-    /// Whether the screen shows the very backdrops and notes that the model has.
-    bool isTrueOfBackdrops() const
-    {
-        const NetScope& scope = m_Scene->scope();
-        bool result = true;
-        for (int i = 0; i < scope.backdrops.size(); ++i) {
-            const NetBackdrop& model = scope.backdrops.at(i);
-            OrvNgNode* item = m_Scene->backdrops().item(i);
-            result = result && (item != nullptr) != model.removed;
-            if (!item)
-                continue;
-            const QRectF rect = NetPlacement::toScene(model.rect, m_Scene->unit());
-            result = result && isNear(item->pos(), rect.topLeft())
-                && isNear(item->boundingRect().bottomRight(), {rect.width(), rect.height()})
-                && item->text() == (model.isNote ? model.doc : model.title)
-                && item->nodeUniColour().color() == EditorBackdrops::colorOf(model);
-        }
-        return result;
-    }
     static bool isNear(const QPointF& a, const QPointF& b)
     {
         return (a - b).manhattanLength() < 1e-3;
     }
-    /// Whether the screen shows the very connections and places that the model has.
-    bool isTrue() const
+    /// What the screen shows of connections, places, backdrops and notes otherwise than the model; empty for
+    /// nothing.
+    QString lie() const
     {
         const NetScope& scope = m_Scene->scope();
-        bool result = m_Scene->connectionCount() == scope.connections.size() && isTrueOfBackdrops();
+        if (m_Scene->connectionCount() != scope.connections.size())
+            return QStringLiteral("%1 connections").arg(m_Scene->connectionCount());
         for (const NetConnection& each : scope.connections) {
-            const OrvNgEdge* shownEdge = m_Scene->edgeOf({each.destNode, each.destPort});
-            result
-                = result && shownEdge && shownEdge->sourceNode() == m_Scene->node(each.sourceNode);
+            const OrvNgEdge* edge = m_Scene->edgeOf({each.destNode, each.destPort});
+            if (!edge || edge->sourceNode() != m_Scene->node(each.sourceNode))
+                return QStringLiteral("source of %1.%2").arg(each.destNode).arg(each.destPort);
         }
         for (int i = 0; i < scope.nodes.size(); ++i) {
             const OrvNgNode* item = m_Scene->node(i);
             const QPointF apart = item && scope.nodes.at(i).hasPosition
                 ? m_Scene->filePosition(i) - scope.nodes.at(i).position
                 : QPointF();
-            result = result && (item != nullptr) != scope.nodes.at(i).removed
-                && apart.manhattanLength() < 1e-6;
+            if ((item != nullptr) == scope.nodes.at(i).removed || !(apart.manhattanLength() < 1e-6))
+                return QStringLiteral("node %1, off by %2, %3")
+                    .arg(i)
+                    .arg(apart.x())
+                    .arg(apart.y());
         }
-        return result;
+        for (int i = 0; i < scope.backdrops.size(); ++i) {
+            if (!isTrueOfBackdrop(i))
+                return QStringLiteral("backdrop %1").arg(i);
+        }
+        return {};
+    }
+    bool isTrueOfBackdrop(int index) const
+    {
+        const NetBackdrop& model = m_Scene->scope().backdrops.at(index);
+        OrvNgNode* item = m_Scene->backdrops().item(index);
+        if (!item)
+            return model.removed;
+        const QRectF rect = NetPlacement::toScene(model.rect, m_Scene->unit());
+        const QSizeF size = rect.size().expandedTo(leastSizeOf(item, model.isNote));
+        return !model.removed && isNear(item->pos(), rect.topLeft())
+            && isNear(item->boundingRect().bottomRight(), {size.width(), size.height()})
+            && item->text() == (model.isNote ? model.doc : model.title)
+            && item->nodeUniColour().color() == EditorBackdrops::colorOf(model);
+    }
+    bool isTrue() const { return lie().isEmpty(); }
+    /// Of a note, what its text needs.
+    static QSizeF leastSizeOf(const QGraphicsItem* item, bool isNote)
+    {
+        const OrvNgStyle& style = OrvNgStyle::instance();
+        if (!isNote)
+            return QSizeF(
+                style.getMinimumBackdropNodeWidth(), style.getMinimumBackdropNodeHeight());
+        QSizeF size(
+            double(style.getMinimumNodeWidth()), double(style.getMinimumStickyNoteNodeHeight()));
+        for (const QGraphicsItem* child : item->childItems()) {
+            if (auto* text = dynamic_cast<const QGraphicsTextItem*>(child))
+                size = size.expandedTo(text->boundingRect().size());
+        }
+        return size;
     }
 };
 

@@ -4,11 +4,10 @@
 #include "support/DebugRecorder.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QDirIterator>
 #include <QEvent>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QFileInfo>
 #include <QTest>
 
 /// What the editor's tests share.
@@ -81,23 +80,29 @@ inline QString writeFile(const QDir& folder, const QString& name, const QByteArr
     return file.fileName();
 }
 
-/// Rows of all own samples, and of all shared documents where their folder is there.
+/// All own samples and test documents, and all shared documents where their folder is there.
+inline QStringList allDocuments()
+{
+    const QString shared = qEnvironmentVariable("ORV_SHARED_DATA");
+    if (!QFileInfo(shared).isDir())
+        qInfo("The folder of shared documents (ORV_SHARED_DATA) is not there: own samples only.");
+    QStringList files;
+    for (const QString& folder : {QStringLiteral(ORV_RESOURCES "/networks"),
+             QStringLiteral(ORV_TEST_DATA "/editor"), shared}) {
+        QDirIterator found(
+            folder, {QStringLiteral("*.mtlx")}, QDir::Files, QDirIterator::Subdirectories);
+        while (!folder.isEmpty() && found.hasNext())
+            files.append(found.next());
+    }
+    files.sort();
+    return files;
+}
+
 inline void addDocumentRows()
 {
     QTest::addColumn<QString>("file");
-    const QDir samples(QStringLiteral(ORV_RESOURCES "/networks"));
-    const QStringList own = samples.entryList({QStringLiteral("*.mtlx")}, QDir::Files, QDir::Name);
-    for (const QString& name : own)
-        QTest::newRow(qPrintable(name)) << samples.filePath(name);
-    const QDir shared(qEnvironmentVariable("ORV_SHARED_DATA"));
-    QFile counts(shared.filePath(QStringLiteral("counts.json")));
-    if (qEnvironmentVariableIsEmpty("ORV_SHARED_DATA") || !counts.open(QIODevice::ReadOnly)) {
-        qInfo("The folder of shared documents (ORV_SHARED_DATA) is not there: own samples only.");
-        return;
-    }
-    const QStringList names = QJsonDocument::fromJson(counts.readAll()).object().keys();
-    for (const QString& name : names)
-        QTest::newRow(qPrintable(name)) << shared.filePath(name);
+    for (const QString& file : allDocuments())
+        QTest::newRow(qPrintable(QFileInfo(file).fileName())) << file;
 }
 
 } // namespace EditorTesting

@@ -6,6 +6,8 @@
 #include <QSet>
 #include <QStringList>
 
+#include <algorithm>
+
 /// Everything that a document's model says, as sorted lines, so that an edited model can be compared with
 /// one that was read from the edited text. Left out is what may differ: positions in lists, line numbers,
 /// keys, and ports and inputs that were known only from a use that an edit took away.
@@ -21,6 +23,19 @@ public:
         }
         lines.sort();
         return lines;
+    }
+    /// The first line that one of two models has and the other has not, of each; empty for equal ones.
+    static QString difference(const QStringList& model, const QStringList& wanted)
+    {
+        const auto extra = [](const QStringList& here, const QStringList& there) {
+            const QSet<QString> known(there.cbegin(), there.cend());
+            const auto found = std::find_if(here.cbegin(), here.cend(),
+                [&known](const QString& line) { return !known.contains(line); });
+            return found == here.cend() ? QStringLiteral("(repeated lines)") : found->left(2000);
+        };
+        return model == wanted ? QString()
+                               : QStringLiteral("\nin the model  %1\nin the text   %2")
+                                     .arg(extra(model, wanted), extra(wanted, model));
     }
 
 private:
@@ -78,10 +93,15 @@ private:
                 inputs += texts(port);
         }
         QString outputs;
+        QStringList used; // in no order of their own
         for (int i = 0; i < node.outputs.size(); ++i) {
-            if (!isKnownByUse(index, i) || m_Used.contains({index, i}))
+            if (!isKnownByUse(index, i))
                 outputs += texts(node.outputs.at(i));
+            else if (m_Used.contains({index, i}))
+                used += texts(node.outputs.at(i));
         }
+        used.sort();
+        outputs += used.join(QString());
         if (node.implied && outputs.isEmpty())
             return;
         const QString place = node.hasPosition && !node.implied

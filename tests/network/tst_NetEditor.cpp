@@ -265,25 +265,6 @@ private Q_SLOTS:
         QVERIFY(editor.scope(scope).backdrops.at(0).removed);
     }
 
-    void changesAskedForTogether_areMadeOneAfterTheOther()
-    {
-        Fixture fixture;
-        NetEditor& editor = *fixture.editor;
-        std::vector<NetEditor::ChangePtr> changes;
-        changes.push_back(removed("node/b")(editor));
-        changes.push_back(moved("node/last", 7, 8)(editor));
-        changes.push_back(
-            connected("node/b", "out", "node/c", "in")(editor)); // there no more by then
-        for (const auto& change : changes)
-            change->redo();
-        QVERIFY(!editor.text().contains("name='b'"));
-        QVERIFY(editor.text().contains("<one name=\"last\" type=\"float\" xpos=\"7\" ypos=\"8\">"));
-        QVERIFY(editor.text().contains("value=\"1.0\""));
-        for (auto change = changes.rbegin(); change != changes.rend(); ++change)
-            (*change)->undo();
-        QCOMPARE(editor.text(), documentText());
-    }
-
     void boxWithoutElement_movesOnScreenOnly()
     {
         const QByteArray bytes = "<materialx><xi:include href=\"definitions.mtlx\"/>"
