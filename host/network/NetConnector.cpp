@@ -168,12 +168,14 @@ NetConnector::Source NetConnector::outputOf(
     if (nodeIndex < 0)
         return {};
     NetNode& node = scope->nodes[nodeIndex];
-    const int named = NetDefinition::indexOf(node.outputs, wanted.output);
+    const bool isOpen = hasOpenOutputs(node);
+    const QString name = isOpen && wanted.output.isEmpty() ? QStringLiteral("out") : wanted.output;
+    const int named = NetDefinition::indexOf(node.outputs, name);
     if (named >= 0)
         return {nodeIndex, named};
-    if (hasOpenOutputs(node)) {
+    if (isOpen) {
         NetPort port;
-        port.name = wanted.output.isEmpty() ? QStringLiteral("out") : wanted.output;
+        port.name = name;
         port.type = dest.type;
         node.outputs.append(port);
         return {nodeIndex, node.outputs.size() - 1};

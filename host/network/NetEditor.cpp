@@ -376,16 +376,31 @@ NetEditor::ChangePtr NetEditor::removeNodes(int scope, const QVector<int>& nodes
     });
 }
 
+namespace {
+
+// The dot repeats what the connection says of its source.
+bool canRepeat(const NetScope& scope, const NetConnection& wire)
+{
+    const NetNode& from = scope.nodes.at(wire.sourceNode);
+    const NetPort& output = from.outputs.at(wire.sourcePort);
+    return NetXmlWriter::canWrite(from.name + output.name + output.type);
+}
+
+} // namespace
+
 NetEditor::ChangePtr NetEditor::insertDot(
     int scope, const NetPortRef& dest, const QPointF& position)
 {
-    if (!whyNotDisconnect(scope, dest).isEmpty() || !connectionTo(scope, dest)
-        || !std::isfinite(position.x()) || !std::isfinite(position.y()))
+    const NetConnection* present = connectionTo(scope, dest);
+    if (!whyNotDisconnect(scope, dest).isEmpty() || !present
+        || !canRepeat(this->scope(scope), *present) || !std::isfinite(position.x())
+        || !std::isfinite(position.y()))
         return nullptr;
     return std::make_unique<NetEditorChange>(this, [this, scope, dest, position](const Text& text) {
         NetEdit edit;
         const NetConnection* wire = connectionTo(scope, dest);
-        if (!whyNotDisconnect(scope, dest).isEmpty() || !wire)
+        if (!whyNotDisconnect(scope, dest).isEmpty() || !wire
+            || !canRepeat(this->scope(scope), *wire))
             return edit;
         edit.scope = scope;
         for (int number = 1; edit.addedName.isNull(); ++number) {

@@ -69,9 +69,10 @@ pugi::xml_node NetEditor::Text::inputElement(int scope, const NetPortRef& dest) 
     const pugi::xml_node own = element(scope, dest.node);
     if (node.kind == NetNode::Kind::Input || node.kind == NetNode::Kind::Output)
         return own;
-    const QByteArray name = node.inputs.at(dest.port).name.toUtf8();
+    const QString& name = node.inputs.at(dest.port).name;
     for (const pugi::xml_node child : own.children("input")) {
-        if (name == child.attribute("name").value())
+        // As texts: bytes that are no UTF-8 are not what the model's name would be written as.
+        if (NetXmlFile::attribute(child, "name") == name)
             return child;
     }
     return {};

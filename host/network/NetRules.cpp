@@ -1,5 +1,7 @@
 #include "network/NetRules.h"
 
+#include "network/NetXmlWriter.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -167,6 +169,9 @@ QString NetRules::whyNotConnect(int scope, const NetPortRef& source, const NetPo
         reason = tr("\"%1\" feeds \"%2\" already; the connection would close a circle.")
                      .arg(to.name, from.name);
     }
+    const NetPort& input = to.inputs.at(dest.port);
+    if (reason.isEmpty() && !input.listed && !NetXmlWriter::canWrite(input.name + input.type))
+        reason = tr("\"%1\" has a name that a file cannot hold.").arg(portName(to, input));
     return reason.isEmpty() ? whyNotNamed(network, source) : reason;
 }
 
@@ -194,7 +199,8 @@ QString NetRules::whyNotTypes(
 QString NetRules::whyNotNamed(const NetScope& scope, const NetPortRef& source)
 {
     const NetNode& from = scope.nodes.at(source.node);
-    if (from.name.isEmpty())
+    if (from.name.isEmpty()
+        || !NetXmlWriter::canWrite(from.name + from.outputs.at(source.port).name))
         return tr("This element has no name by which it could be connected.");
     if (scope.indexOf(from.kind, from.name) != source.node) {
         return tr(

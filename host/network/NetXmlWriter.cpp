@@ -31,6 +31,11 @@ NetXmlWriter::NetXmlWriter(const NetXmlFile& file, NetXmlPatches* patches)
 {
 }
 
+bool NetXmlWriter::canWrite(const QString& value)
+{
+    return std::none_of(value.cbegin(), value.cend(), isForbidden);
+}
+
 NetXmlTag NetXmlWriter::tagOf(pugi::xml_node element) const
 {
     return {m_Text, static_cast<int>(element.offset_debug()) - 1};

@@ -20,6 +20,10 @@ public:
     /// The file must outlive the writer; its tree gives the elements to change.
     NetXmlWriter(const NetXmlFile& file, NetXmlPatches* patches);
 
+    /// Whether a value can be written as it is. Some characters have no place in a file, not even escaped:
+    /// they are left out.
+    static bool canWrite(const QString& value);
+
     /// Gives the element those attributes. Those of the names in `replaced` go, unless they are wanted
     /// too; a new attribute takes the place of one that goes, else it stands behind the one wanted
     /// before it, else at the end. The text of a value that does not change stays as it is.
