@@ -1,5 +1,7 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/DebugRecorder.h"
+#include "support/StyleValues.h"
+#include "support/TestTable.h"
 
 #include <OrvCore/OrvResourceInfo.h>
 
@@ -9,6 +11,10 @@
 #include <QMetaProperty>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <unistd.h>
 
 using ColorPair = QPair<QColor, QColor>;
 
@@ -72,17 +78,16 @@ class tst_OrvNgStyle : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", m_Config.path().toLocal8Bit());
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvStyleTest"));
-        m_UserPath = m_Config.filePath(QStringLiteral("OrvStyleTest/NodeGraphStyleSheetVer3.ini"));
-    }
+    void initTestCase() { qputenv("XDG_CONFIG_HOME", m_Config.path().toLocal8Bit()); }
 
     void init()
     {
         OrvResourceInfo::instance().setResourceRoot(QStringLiteral(ORV_RESOURCES));
-        QDir(QFileInfo(m_UserPath).path()).removeRecursively();
+        // Qt keeps what it could not write for the next one who opens the file: each test has its own.
+        m_Organization = QStringLiteral("OrvStyleTest%1").arg(++m_Number);
+        QCoreApplication::setOrganizationName(m_Organization);
+        m_UserPath
+            = m_Config.filePath(m_Organization + QStringLiteral("/NodeGraphStyleSheetVer3.ini"));
         m_Recorder.clear();
     }
 
@@ -124,22 +129,47 @@ private Q_SLOTS:
         }
     }
 
+    void load_takesWhatPeopleWrite_data();
     void load_takesWhatPeopleWrite()
     {
-        writeUserSheet("\xef\xbb\xbf[Edge]\r\nEdgeColor=(1,2,3,4)\r\nSelectedEdgeColor=5,6,7,8\r\n"
-                       "SeveredEdgeColor=\"(1,2,3,400)\"\r\nActivatedEdgeColor=(1/2|3)\r\n"
-                       "EdgePenWidth=wide\r\n[NodeStateColors]\r\n"
-                       "DefaultNodeColor=(1,2,3,4),(5,6,7,8)\r\n");
+        QFETCH(QByteArray, file);
+        QFETCH(QString, changed);
+        QFETCH(int, reports);
+        const auto defaults = StyleValues::of(OrvNgStyle());
+        writeUserSheet(file);
         OrvNgStyle style;
-        QCOMPARE(style.getEdgeColor(), QColor(1, 2, 3, 4));
-        QCOMPARE(style.getSelectedEdgeColor(), QColor(5, 6, 7, 8));
-        QVERIFY(!style.getSeveredEdgeColor().isValid());
-        QCOMPARE(style.getActivatedEdgeColor(), QColor(1, 2, 3, 0));
-        QCOMPARE(style.getEdgePenWidth(), 0);
-        QCOMPARE(style.getDefaultNodeColor(), ColorPair(QColor(1, 2, 3, 4), QColor(5, 6, 7, 8)));
-        const auto stops = style.getDefaultNodeBrush().stops(); // derived from it
-        QCOMPARE(stops, QGradientStops({{0.0, QColor(1, 2, 3, 4)}, {1.0, QColor(5, 6, 7, 8)}}));
-        QCOMPARE(m_Recorder.messages(), QStringList());
+        QCOMPARE(StyleValues::difference(style, defaults), changed);
+        const ColorPair colors = style.getDefaultNodeColor();
+        QCOMPARE(style.getDefaultNodeBrush().stops(), // derived from it
+            QGradientStops({{0.0, colors.first}, {1.0, colors.second}}));
+        QCOMPARE(m_Recorder.messages().size(), reports);
+        style.savePreferences();
+        const OrvNgStyle again;
+        QCOMPARE(StyleValues::difference(again, defaults), changed);
+    }
+
+    void load_whatIsNoFile_countsAsEmpty_data()
+    {
+        const TestTable<bool> row("isFolder");
+        row("folder", true);
+        row("file that must not be read", false);
+    }
+    void load_whatIsNoFile_countsAsEmpty()
+    {
+        QFETCH(bool, isFolder);
+        OrvNgStyle style;
+        writeUserSheet("[Edge]\nEdgePenWidth=7\n");
+        if (isFolder)
+            QVERIFY(QFile::remove(m_UserPath) && QDir().mkpath(m_UserPath));
+        else
+            QVERIFY(QFile::setPermissions(m_UserPath, {}));
+        const uid_t user = geteuid();
+        if (user == 0) // who may read everything
+            QCOMPARE(seteuid(65534), 0);
+        style.loadPreferences();
+        QCOMPARE(seteuid(user), 0);
+        QVERIFY(style.getEdgePenWidth() != 7);
+        QVERIFY(m_Recorder.messages().join(QLatin1Char(' ')).contains(m_UserPath));
     }
 
     void refresh_makesPens()
@@ -217,6 +247,65 @@ private Q_SLOTS:
             QStringLiteral("Edge/PrefferedEdgePenWidth Edge/SharedEdgePenWidth Own/Note"));
     }
 
+    void save_nothingChanged_writesNothing()
+    {
+        OrvNgStyle().savePreferences();
+        QVERIFY(!QFile::exists(m_UserPath));
+    }
+
+    void save_thatFails_isReportedAndLeavesTheOldFile_data()
+    {
+        const TestTable<QString> row("trouble");
+        row("full disk", "disk");
+        row("folder that takes no files", "folder");
+        row("folder in place of the file", "file");
+        row("no organisation", "organisation");
+    }
+    void save_thatFails_isReportedAndLeavesTheOldFile()
+    {
+        QFETCH(QString, trouble);
+        const QByteArray old = "[Edge]\nEdgePenWidth=7\n";
+        writeUserSheet(old);
+        OrvNgStyle style;
+        style.setEdgePenWidth(8);
+        // A limit on the size of files fails a write half way, as a full disk does.
+        rlimit limit{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
+        const rlimit small{trouble == QLatin1String("disk") ? 5 : limit.rlim_cur, limit.rlim_max};
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        if (trouble == QLatin1String("file"))
+            QVERIFY(QFile::remove(m_UserPath) && QDir().mkpath(m_UserPath));
+        if (trouble == QLatin1String("organisation"))
+            QCoreApplication::setOrganizationName(QString());
+        if (trouble == QLatin1String("folder"))
+            QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("/proc"));
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+        style.savePreferences();
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, handler);
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Config.path());
+        QCoreApplication::setOrganizationName(m_Organization);
+        QCOMPARE(m_Recorder.messages().size(), 1);
+        QVERIFY(m_Recorder.messages()[0].startsWith(QLatin1String("[ !! ] ")));
+        QCOMPARE(style.getEdgePenWidth(), 8);
+        if (trouble != QLatin1String("file"))
+            QCOMPARE(fileBytes(m_UserPath), old);
+    }
+
+    // Of another process, or a text editor: its own keys stay, and of the style's the saved state counts.
+    void save_fileChangedMeanwhile_keepsWhatIsNotTheStyles()
+    {
+        writeUserSheet("[Edge]\nEdgePenWidth=7\n");
+        OrvNgStyle style;
+        writeUserSheet("[Edge]\nPrefferedEdgePenWidth=9\n[Own]\nNote=kept\n");
+        style.setBypassedEdgePenWidth(11);
+        style.savePreferences();
+        QCOMPARE(contents(m_UserPath),
+            (QMap<QString, QVariant>{{QStringLiteral("Edge/EdgePenWidth"), QStringLiteral("7")},
+                {QStringLiteral("Edge/BypassedEdgePenWidth"), QStringLiteral("11")},
+                {QStringLiteral("Own/Note"), QStringLiteral("kept")}}));
+    }
+
     void save_intoMalformedFile_keepsCopy()
     {
         const QByteArray malformed
@@ -246,9 +335,46 @@ private:
     }
 
     QTemporaryDir m_Config;
-    QString m_UserPath;
+    int m_Number = 0;
+    QString m_Organization, m_UserPath;
     DebugRecorder m_Recorder;
 };
+
+void tst_OrvNgStyle::load_takesWhatPeopleWrite_data()
+{
+    const QString width = QStringLiteral("EdgePenWidth=7");
+    const QString pair = QStringLiteral("DefaultNodeColor=#04010203#08050607");
+    const QByteArray colors = "[NodeStateColors]\nDefaultNodeColor=";
+    const TestTable<QByteArray, QString, int> row("file", "changed", "reports");
+    row("empty", "", "", 0);
+    row("byte order mark, CR LF", "\xef\xbb\xbf[Edge]\r\nEdgeColor=(1,2,3,4)\r\nEdgePenWidth=7\r\n",
+        "EdgeColor=#04010203 EdgePenWidth=7", 0);
+    row("UTF-16", QByteArray("\xff\xfe[\0E\0]\0\n\0a\0=\0b\0", 16), "", 0);
+    row("10 MB", ";" + QByteArray(10'000'000, 'x') + "\n[Edge]\nEdgePenWidth=7\n", width, 0);
+    row("the last of equal keys", "[Edge]\nEdgePenWidth=5\n[Own]\n[Edge]\nEdgePenWidth=7\n", width,
+        0);
+    row("other letter case", "[edge]\nEdgePenWidth=5\n[Edge]\nedgepenwidth=6\n", "", 0);
+    row("no number", "[Edge]\nEdgePenWidth=wide\n[LOD]\nSceneLODSwitchThreshold=0,5\n",
+        "EdgePenWidth=0 SceneLODSwitchThreshold=0", 0);
+    row("not finite", "[LOD]\nSceneLODSwitchThreshold=nan\nEdgeLODSwitchThreshold=1e999\n",
+        "EdgeLODSwitchThreshold=0 SceneLODSwitchThreshold=0", 0);
+    row("variant", "[Edge]\nEdgePenWidth=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\a)\n", width, 0);
+    row("variant that is none", "[Edge]\nEdgePenWidth=@Variant(\\0)\nEdgeColor=@Invalid()\n",
+        "EdgeColor=none EdgePenWidth=0", 0);
+    row("lists", "[Edge]\nEdgePenWidth=7,8\nEdgeColor=1, 2,3 ,4\n",
+        "EdgeColor=#04010203 EdgePenWidth=0", 0);
+    row("other separators", "[Edge]\nEdgeColor=(1/2|3)\n", "EdgeColor=#00010203", 0);
+    row("channel out of range", "[Edge]\nEdgeColor=\"(1,2,3,400)\"\n", "EdgeColor=none", 0);
+    row("cut off", "[Edge]\nEdgeColor=(1,2\nSeveredEdgeColor=(\n",
+        "EdgeColor=#00010200 SeveredEdgeColor=#00000000", 0);
+    row("nine numbers", "[Edge]\nEdgeColor=\"(1,2,3,4,5,6,7,8,9)\"\n", "EdgeColor=#04010203", 0);
+    row("pair", colors + "(1,2,3,4),(5,6,7,8)\n", pair, 0);
+    row("pair, cut off", colors + "(1,2,3,4)\n", "DefaultNodeColor=#04010203#00000000", 0);
+    row("pair, blank behind the comma", colors + "\"(1,2,3,4), (5,6,7,8)\"\n",
+        "DefaultNodeColor=#04010203#07000506", 0); // three characters stand between colours
+    row("pair, no parentheses", colors + "1,2,3,4,5,6,7,8\n", "DefaultNodeColor=nonenone", 0);
+    row("lines without a value", "[Edge]\nEdgePenWidth=7\nno value\n[Broken\nA=1\n", width, 1);
+}
 
 QTEST_GUILESS_MAIN(tst_OrvNgStyle)
 #include "tst_OrvNgStyle.moc"
