@@ -13,6 +13,7 @@
 #include <QTemporaryFile>
 
 #include <algorithm>
+#include <new>
 #include <type_traits>
 
 namespace {
@@ -85,6 +86,22 @@ void reportStatus(const QSettings& sheet)
     } else if (sheet.status() == QSettings::AccessError) {
         orvNgReport(kFile, __LINE__,
             QStringLiteral("[ !! ] The style sheet '%1' is not accessible").arg(sheet.fileName()));
+    }
+}
+
+/// Whether the values can be taken from the file at all. Qt decodes a binary value ("@Variant(…)") with the
+/// size that it claims to have; memory for the size that a damaged one claims may not exist.
+bool canBeRead(const QSettings& sheet)
+{
+    try {
+        sheet.allKeys(); // decodes everything
+        return true;
+    } catch (const std::bad_alloc&) {
+        orvNgReport(kFile, __LINE__,
+            QStringLiteral(
+                "[ !! ] The style sheet '%1' holds a damaged binary value; it is left alone")
+                .arg(sheet.fileName()));
+        return false;
     }
 }
 
@@ -227,15 +244,21 @@ void OrvNgStyle::loadPreferences()
     const QSettings user = openUserSheet();
     reportStatus(defaults);
     reportStatus(user);
+    const bool hasUser = canBeRead(user);
     for (const SheetValue& value : sheetValues()) {
         const QString defaultText = sheetText(defaults, value.key, QString());
-        value.load(*this, defaultText, sheetText(user, value.key, defaultText));
+        value.load(
+            *this, defaultText, hasUser ? sheetText(user, value.key, defaultText) : defaultText);
     }
 }
 
 void OrvNgStyle::savePreferences()
 {
     QSettings user = openUserSheet();
+    if (!canBeRead(user)) {
+        Q_EMIT colorsUpdated();
+        return;
+    }
     const std::vector<SheetEdit> edits = pendingEdits(user);
     if (!edits.empty() && isMalformed(user.fileName()) && !keepCopy(user.fileName())) {
         orvNgReport(kFile, __LINE__,
