@@ -1,6 +1,7 @@
 include(CMakePackageConfigHelpers)
 
 option(ORV_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(ORV_BUILD_FUZZERS "Build the fuzz targets with libFuzzer (clang), all code with sanitizers" OFF)
 option(ORV_WARNINGS_AS_ERRORS "Treat warnings as errors" ${PROJECT_IS_TOP_LEVEL})
 
 # Settings that every target of this project shares: language, warnings, strict Qt strings, sanitizers.
@@ -17,7 +18,7 @@ function(orv_target_defaults TARGET)
     if(ORV_WARNINGS_AS_ERRORS)
         target_compile_options(${TARGET} PRIVATE -Werror)
     endif()
-    if(ORV_SANITIZE)
+    if(ORV_SANITIZE OR ORV_BUILD_FUZZERS)
         set(SANITIZERS address,undefined)
         if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
             string(APPEND SANITIZERS ,float-divide-by-zero,float-cast-overflow)
@@ -26,6 +27,9 @@ function(orv_target_defaults TARGET)
             -O1 -g1 -fno-omit-frame-pointer -fsanitize=${SANITIZERS} -fno-sanitize-recover=all)
         target_compile_definitions(${TARGET} PRIVATE QT_FORCE_ASSERTS _GLIBCXX_ASSERTIONS)
         target_link_options(${TARGET} PRIVATE -fsanitize=${SANITIZERS})
+        if(ORV_BUILD_FUZZERS)
+            target_compile_options(${TARGET} PRIVATE -fsanitize=fuzzer-no-link)
+        endif()
     endif()
 endfunction()
 
@@ -44,7 +48,7 @@ function(orv_add_library NAME)
     set_target_properties(${NAME} PROPERTIES EXPORT_NAME ${SHORT} DEFINE_SYMBOL ${UPPER}_BUILD
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
     target_link_libraries(${NAME} PUBLIC ${ARG_LINKS})
-    if(NOT ORV_SANITIZE)
+    if(NOT ORV_SANITIZE AND NOT ORV_BUILD_FUZZERS)
         target_link_options(${NAME} PRIVATE -Wl,--no-undefined)
     endif()
     install(TARGETS ${NAME} EXPORT ${ARG_EXPORT_SET}
