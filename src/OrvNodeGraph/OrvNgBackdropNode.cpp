@@ -5,6 +5,7 @@
 #include "OrvNodeGraph/OrvNgBackdropTitleTextItem.h"
 #include "OrvNodeGraph/OrvNgFrameRect.h"
 #include "OrvNodeGraph/OrvNgModelSelection.h"
+#include "OrvNodeGraph/OrvNgPlantedFault.h"
 #include "OrvNodeGraph/OrvNgReport.h"
 #include "OrvNodeGraph/OrvNgResizeTriangleItem.h"
 #include "OrvNodeGraph/OrvNgSceneNodes.h"
@@ -337,7 +338,8 @@ void OrvNgBackdropNode::setRect(const QRectF& rect)
     const OrvNgStyle& style = OrvNgStyle::instance();
     const QRectF wanted = OrvNgFrameRect::atLeast(
         rect, QSizeF(style.getMinimumBackdropNodeWidth(), style.getMinimumBackdropNodeHeight()));
-    prepareGeometryChange();
+    if (!OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::BoundsUnannounced))
+        prepareGeometryChange();
     m_Rect = wanted;
     layOutItems();
     reAdjustEdges();

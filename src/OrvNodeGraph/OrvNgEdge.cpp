@@ -5,6 +5,7 @@
 #include "OrvNodeGraph/OrvNgEdgePens.h"
 #include "OrvNodeGraph/OrvNgEdgeRouter.h"
 #include "OrvNodeGraph/OrvNgLodTextItem.h"
+#include "OrvNodeGraph/OrvNgPlantedFault.h"
 #include "OrvNodeGraph/OrvNgReport.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 
@@ -137,7 +138,8 @@ void OrvNgEdge::aboutToBeDestroyed()
         return;
     m_IsDying = true;
     giveUpMouse();
-    leaveNodes();
+    if (!OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::EdgeStaysInLists))
+        leaveNodes();
 }
 
 void OrvNgEdge::destroy()

@@ -6,6 +6,7 @@
 #include "OrvNodeGraph/OrvNgEdgeEnds.h"
 #include "OrvNodeGraph/OrvNgEdgePens.h"
 #include "OrvNodeGraph/OrvNgEdgeWiring.h"
+#include "OrvNodeGraph/OrvNgPlantedFault.h"
 #include "OrvNodeGraph/OrvNgReport.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 
@@ -208,7 +209,8 @@ void OrvNgEdge::releaseMouse(const QPoint& globalPos, const QPointF& scenePos, b
         result = checkAndCreateNewConnectionFromEdgeToNode(itemsAtLooseEnd(), globalPos, scenePos);
     }
     // The menu of a drop and the host's slots run before this line.
-    if (!self || m_IsDestroyed || m_IsDying)
+    const bool isGone = !self && !OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::ThisAfterSlot);
+    if (isGone || m_IsDestroyed || m_IsDying)
         return;
     if (m_Drag) {
         const bool isLost = comeHome();

@@ -236,8 +236,20 @@ void OrvNgExtendedNode::removeOutputPoint(int index)
         updateAfterPortVisibilityChange();
 }
 
+/// Members of a cluster without a name could not be told from ports that belong to none.
+bool OrvNgExtendedNode::refusesEmptyName(
+    const OrvNgPortList& ports, const QString& from, const QString& to)
+{
+    if (!to.isEmpty() || !ports.clusters().hasCluster(from))
+        return false;
+    orvNgReport(kFile, __LINE__, withLocalName("Cluster name is empty or taken : %s", to));
+    return true;
+}
+
 void OrvNgExtendedNode::renameInput(const QString& from, const QString& to)
 {
+    if (refusesEmptyName(*m_Inputs, from, to))
+        return;
     if (from != to && (inputExists(to) || m_Inputs->contains(to))) {
         orvNgReport(kFile, __LINE__, withLocalName("Input name is taken : %s", to));
         return;
@@ -252,6 +264,8 @@ void OrvNgExtendedNode::renameInput(const QString& from, const QString& to)
 
 void OrvNgExtendedNode::renameOutputPoint(const QString& from, const QString& to)
 {
+    if (refusesEmptyName(*m_Outputs, from, to))
+        return;
     if (from != to && (outputPoints().contains(to) || m_Outputs->contains(to))) {
         orvNgReport(kFile, __LINE__, withLocalName("Output name is taken : %s", to));
         return;

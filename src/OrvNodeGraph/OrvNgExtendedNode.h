@@ -225,6 +225,7 @@ private:
     void dropInputCluster(const QString& cluster);
     QString inputDisplayText(const QString& name);
     QString outputDisplayText(const QString& name) const;
+    bool refusesEmptyName(const OrvNgPortList& ports, const QString& from, const QString& to);
     QList<QPair<QString, QStringList>> usableClusters(
         const OrvNgPortList& ports, const QList<QPair<QString, QStringList>>& clusters);
     void clustersChanged();

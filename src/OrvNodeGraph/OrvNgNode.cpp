@@ -4,6 +4,7 @@
 #include "OrvNodeGraph/OrvNgHandOver.h"
 #include "OrvNodeGraph/OrvNgNodeBrush.h"
 #include "OrvNodeGraph/OrvNgNodeShape.h"
+#include "OrvNodeGraph/OrvNgPlantedFault.h"
 #include "OrvNodeGraph/OrvNgReport.h"
 #include "OrvNodeGraph/OrvNgSceneNodes.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
@@ -102,12 +103,16 @@ void OrvNgNode::aboutToBeDestroyed()
         ungrabMouse();
 
     const QList<OrvNgEdge*> edges = m_Inputs + m_Outputs;
-    for (OrvNgEdge* edge : edges)
-        edge->nodeGone(this);
+    for (OrvNgEdge* edge : edges) {
+        if (!OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::NodeLeavesEdges))
+            edge->nodeGone(this);
+    }
     if (m_TemporaryOutputEdge)
         m_TemporaryOutputEdge->destroy();
     removeVirtualInputEdge();
-    OrvNgSceneNodes::leave(this);
+    if (!OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::StaleNodeList))
+        OrvNgSceneNodes::leave(this);
+    notifySceneOfChange();
 }
 
 void OrvNgNode::dropSelection()
@@ -409,6 +414,7 @@ void OrvNgNode::drawNodeShape(
 void OrvNgNode::setShapeType(int type)
 {
     m_ShapeType = type;
+    update();
 }
 
 void OrvNgNode::setCategory(const QString& category)
@@ -450,6 +456,8 @@ void OrvNgNode::setState(StateFlag flag, bool on)
 void OrvNgNode::showState(StateFlag flag, bool on)
 {
     setState(flag, on);
+    if (OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::NoRepaint))
+        return;
     // A subclass that forgot aboutToBeDestroyed() gets here from the base's destructor: harmless.
     setCorrectColor(); // NOLINT(clang-analyzer-optin.cplusplus.VirtualCall)
     update();
@@ -847,7 +855,7 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
         notifySceneOfChange();
         break;
     case ItemSelectedHasChanged:
-        followSelection(value.toBool());
+        followSelection();
         break;
     default:
         break;
@@ -855,12 +863,13 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
     return QGraphicsItem::itemChange(change, value);
 }
 
-void OrvNgNode::followSelection(bool selected)
+/// The scene's slots, which run before the item is told, may have changed the selection again.
+void OrvNgNode::followSelection()
 {
-    if (selected && m_SelectionId == -1)
-        m_SelectionId = ++s_SelectionIndex;
-    else
+    if (!isSelected())
         m_SelectionId = -1;
+    else if (m_SelectionId == -1)
+        m_SelectionId = ++s_SelectionIndex;
 }
 
 void OrvNgNode::showOrHideEdges()

@@ -390,7 +390,7 @@ private:
 
     QVariant positionChange(const QVariant& value);
     void holdBoundsForChange();
-    void followSelection(bool selected);
+    void followSelection();
     void followScene();
     void showOrHideEdges();
     void dropSelection();

@@ -1,6 +1,9 @@
 #include "OrvNodeGraph/OrvNgNodePositionChangeUndo.h"
 
 #include "OrvNodeGraph/OrvNgNode.h"
+#include "OrvNodeGraph/OrvNgPlantedFault.h"
+
+#include <QHash>
 
 #include <cmath>
 
@@ -31,6 +34,13 @@ void OrvNgNodePositionChangeUndo::redo()
 
 void OrvNgNodePositionChangeUndo::place(const QPointF& pos)
 {
+    if (OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::RawNodeInUndo)) {
+        static QHash<const QUndoCommand*, OrvNgNode*> s_Nodes;
+        if (m_Node)
+            s_Nodes.insert(this, m_Node);
+        if (OrvNgNode* node = s_Nodes.value(this))
+            node->savePosition();
+    }
     if (!m_Node || !std::isfinite(pos.x()) || !std::isfinite(pos.y()))
         return;
     m_Node->setPos(pos);

@@ -89,6 +89,7 @@ void OrvNgUINode::setRect(const QRectF& rect)
         {double(style.getMinimumNodeWidth()), double(style.getMinimumStickyNoteNodeHeight())});
     m_Shape->setPolygon(boxOutline(m_Rect.width(), m_Rect.height()));
     centerText();
+    reAdjustEdges();
     notifySceneOfChange();
 }
 

@@ -4,6 +4,7 @@
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgGuardedItem.h"
+#include "OrvNodeGraph/OrvNgPlantedFault.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 #include "OrvNodeGraph/OrvNgReport.h"
 #include "OrvNodeGraph/OrvNgRubberBand.h"
@@ -98,6 +99,16 @@ private:
     Qt::ItemSelectionMode m_Mode;
 };
 
+/// Over an item with a cursor of its own the base class keeps the one from before, to bring it back later;
+/// that would be the cursor of a mode that has ended. Entering its hand mode makes it forget.
+void forgetStoredCursor(QGraphicsView& view)
+{
+    if (view.dragMode() != QGraphicsView::NoDrag)
+        return;
+    view.setDragMode(QGraphicsView::ScrollHandDrag);
+    view.setDragMode(QGraphicsView::NoDrag);
+}
+
 } // namespace
 
 // Selection lists
@@ -150,6 +161,8 @@ QList<QGraphicsItem*> OrvNgView::lastSelectionCombinedWith(QList<QGraphicsItem*>
     for (const QGraphicsItem* key : qAsConst(m_OrderAtPress)) {
         if (QGraphicsItem* item = m_SelectionAtPress.value(key).in(scene()))
             last.append(item);
+        else if (OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::RawSelectionAtPress))
+            last.append(const_cast<QGraphicsItem*>(key));
     }
     return mergeItemLists(last, items);
 }
@@ -346,6 +359,11 @@ void OrvNgView::hoverNode(OrvNgNode* node)
 {
     if (m_HoveredNode == node)
         return;
+    if (OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::RawHoveredNode)) {
+        static OrvNgNode* s_Hovered = nullptr;
+        if (OrvNgNode* former = std::exchange(s_Hovered, node))
+            former->setHovered(false);
+    }
     const QPointer<OrvNgNode> old = m_HoveredNode;
     m_HoveredNode = node;
     if (old)
@@ -365,7 +383,8 @@ void OrvNgView::clearHover()
 /// that was pulled out of a port is carried without a button.
 void OrvNgView::giveUpLostGrab()
 {
-    if (!std::exchange(m_PressGaveMouse, false))
+    if (!std::exchange(m_PressGaveMouse, false)
+        || OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::GrabberKept))
         return;
     QGraphicsItem* const grabber = scene() ? scene()->mouseGrabberItem() : nullptr;
     const auto* edge = dynamic_cast<OrvNgEdge*>(grabber);
@@ -606,6 +625,8 @@ void OrvNgView::setCursorTrackingMode(OrvCursorTrackingMode Mode)
         setCursor(m_RazorCursor);
     else
         unsetCursor();
+    if (wasCutting || Mode == CURSOR_TRACKING_SEVER_EDGES)
+        forgetStoredCursor(*this);
     if (wasCutting)
         setInteractive(true);
 }
