@@ -6,9 +6,9 @@
 
 #include <malloc.h>
 
+/// In the order of an event loop: what is to be deleted goes before the next frame is painted.
 inline void benchRunDueEvents()
 {
-    QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCoreApplication::processEvents();
 }

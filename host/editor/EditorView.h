@@ -99,6 +99,7 @@ protected:
     bool focusNextPrevChild(bool next) override;
     /// A backdrop's body is empty space: bands drawn inside it would select it otherwise.
     bool canBandSelect(QGraphicsItem* item, const QPolygonF& band) const override;
+    bool paintsOnlyScene() const override { return true; }
 
 private:
     void zoomAbout(const QPointF& viewPos, const std::function<void()>& zoom);

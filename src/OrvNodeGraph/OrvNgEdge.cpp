@@ -19,6 +19,7 @@
 #include <QPen>
 
 #include <cmath>
+#include <limits>
 #include <typeinfo>
 
 namespace {
@@ -32,6 +33,9 @@ constexpr double kLabelNearSource = 0.1; // while an end is carried the label st
 constexpr double kLabelNearDest = 0.9;
 constexpr double kLabelCorner = 4.0;
 constexpr double kCrossSize = 6.0;
+// Empty, but not null: to a scene without views a null rectangle that changes means that everything has changed,
+// for which it asks all its items for their bounds.
+constexpr QRectF kNoBounds(0.0, 0.0, 0.0, std::numeric_limits<double>::min());
 constexpr QRectF kGrabCircleRect(-7.0, -7.0, 14.0, 14.0);
 
 // Farther out there is no route, and lengths would overflow in the end.
@@ -68,6 +72,17 @@ public:
         painter->setBrush(OrvNgStyle::instance().getSceneBackgroundBrush());
         painter->drawRoundedRect(boundingRect(), kLabelCorner, kLabelCorner);
         OrvNgLodTextItem::paint(painter, option, widget);
+    }
+};
+
+/// Knows its bounds without stroking its path, as Qt would after every change.
+class EdgeLine : public QGraphicsPathItem
+{
+public:
+    QRectF boundingRect() const override
+    {
+        const double reach = qMax(1.0, pen().widthF());
+        return path().controlPointRect().adjusted(-reach, -reach, reach, reach);
     }
 };
 
@@ -633,7 +648,7 @@ void OrvNgEdge::initialiseGraphicsItem()
     if (m_HasChildren)
         return;
     m_HasChildren = true;
-    m_Line = new QGraphicsPathItem;
+    m_Line = new EdgeLine;
     m_Arrow = new QGraphicsPolygonItem(arrowShape());
     m_Arrow->setPen(Qt::NoPen);
     applyPen(penForState());
@@ -854,7 +869,7 @@ QRectF OrvNgEdge::boundingRect() const
 {
     if (m_ShapeDirty && !m_BoundsHeld)
         updateShape();
-    return m_ShapeBounds;
+    return m_BoundsHeld && m_ShapeBounds.isNull() ? kNoBounds : m_ShapeBounds;
 }
 
 void OrvNgEdge::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*)

@@ -61,6 +61,7 @@ OrvNgExtendedNode::OrvNgExtendedNode(QGraphicsItem* parent)
 {
     // Then neither the scene's index nor a paint looks at the parts of a node that is out of sight.
     setFlag(ItemContainsChildrenInShape);
+    keepOwnBounds();
     setInsertionProbe(m_Header->autoInsertMarker());
     OrvNgExtendedNode::recalcNodeShapeRect();
 }

@@ -828,7 +828,8 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
             m_InsertionProbe = nullptr;
         Q_FALLTHROUGH();
     case ItemChildAddedChange:
-        holdBoundsForChange();
+        if (m_BoundsFollowChildren)
+            holdBoundsForChange();
         m_BoundsDirty = true;
         notifySceneOfChange();
         break;

@@ -374,6 +374,8 @@ protected:
 
     /// Takes the children's bounds over into boundingRect(). Call it after moving or resizing a child.
     void updateBounds();
+    /// For classes whose bounds are their own: the scene is not asked to forget them for every new child.
+    void keepOwnBounds() { m_BoundsFollowChildren = false; }
     /// Tells the first view of the scene, if it is ours, that bounds may have changed.
     void notifySceneOfChange();
     /// First statement of every concrete class's destructor: deselects, drops hover and mouse grab, and
@@ -436,6 +438,7 @@ private:
     double m_OutlineWidthScale = 1.0;
     mutable QRectF m_Bounds;
     mutable bool m_BoundsDirty = false;
+    bool m_BoundsFollowChildren = true;
     bool m_BoundsHeld = false; ///< the stored bounds are asked for, whether or not they still hold
     bool m_WasVisible = true; ///< what the edges were last told
     bool m_IsDestroyed = false;

@@ -62,6 +62,7 @@ OrvNgPort::OrvNgPort(OrvNgExtendedNode* node, const QString& /*text*/, const QSt
     if (m_Stacked) {
         QGraphicsWidget::setVisible(false);
         setMaximumHeight(0.0);
+        setAttribute(Qt::WA_Resized); // else the base class sizes the port each time it is shown
     }
     setAcceptHoverEvents(true);
     setFlag(ItemUsesExtendedStyleOption, false); // paint() needs no exposed rectangle
@@ -91,7 +92,8 @@ void OrvNgPort::setText(const QString& text)
     const OrvNgTextCache::Entry& entry = OrvNgTextCache::find(text, m_Font);
     m_TextSize = entry.lineSize();
     m_TextWidth = entry.drawnWidth();
-    prepareGeometryChange();
+    if (isShown())
+        prepareGeometryChange();
     m_BoundsRect
         = QRectF(0.0, 0.0, m_TextSize.width() + kPortWidth, qMax(kPortHeight, m_TextSize.height()));
     applySizeRule();
@@ -128,7 +130,10 @@ void OrvNgPort::setVisible(bool visible)
 {
     if (visible == isShown())
         return;
-    prepareGeometryChange();
+    // Within a node that holds its parts the scene knows no bounds of a port. A scene without views would
+    // take the announcement of empty bounds for a change of everything.
+    if (!parentItem() || !parentItem()->flags().testFlag(ItemContainsChildrenInShape))
+        prepareGeometryChange();
     QGraphicsWidget::setVisible(visible);
     applySizeRule(); // within a hidden node no change of the item is told
 }

@@ -7,6 +7,7 @@
 #include "OrvNodeGraph/OrvNgMinimap.h"
 #include "OrvNodeGraph/OrvNgNavigation.h"
 #include "OrvNodeGraph/OrvNgNode.h"
+#include "OrvNodeGraph/OrvNgPartialUpdates.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 #include "OrvNodeGraph/OrvNgRubberBand.h"
 #include "OrvNodeGraph/OrvNgSceneNodes.h"
@@ -26,6 +27,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <typeinfo>
 
 namespace {
 
@@ -39,6 +41,7 @@ constexpr double kWheelFactor = 1.15;
 constexpr int kMinimapDarkening = 130; // percent
 constexpr double kSeverPathWidth = 1.0; // viewport pixels
 constexpr double kFarthestCoordinate = 1e9; // scroll bars count in int
+constexpr int kOutlineReach = 4; // viewport pixels: how far items paint beyond their bounds
 
 bool isFinite(const QRectF& rect)
 {
@@ -88,6 +91,7 @@ QMouseEvent asLeftButton(const QMouseEvent& event, QEvent::Type type, Qt::MouseB
 OrvNgView::OrvNgView(QWidget* parent)
     : QGraphicsView(parent)
     , m_Minimap(std::make_unique<OrvNgMinimap>())
+    , m_PartialUpdates(std::make_unique<OrvNgPartialUpdates>())
     , m_Band(std::make_unique<OrvNgRubberBand>())
     , m_Path(std::make_unique<OrvNgCursorPath>())
     , m_Grid(std::make_unique<OrvNgGrid>())
@@ -282,6 +286,12 @@ OrvNgMinimapFrame OrvNgView::minimapFrame() const
 QRect OrvNgView::minimapRect()
 {
     return minimapFrame().m_Rect;
+}
+
+/// With its border.
+QRect OrvNgView::minimapArea() const
+{
+    return minimapFrame().m_Rect.adjusted(-1, -1, 1, 1);
 }
 
 int OrvNgView::minimapWidth() const
@@ -693,14 +703,66 @@ void OrvNgView::refreshBackground()
 void OrvNgView::paintEvent(QPaintEvent* event)
 {
     m_OnePixelInSceneSpace = calcOnePixelInSceneSpace();
+    m_PartialUpdates->follow(scene());
     QGraphicsView::paintEvent(event);
     if (drawingEdgeSeverPath())
         paintSeverPath();
     if (m_Band->isActive())
         paintBand();
     m_MinimapShown = shouldDisplayMinimap() && !minimapRect().isEmpty();
-    if (m_MinimapShown)
+    if (m_MinimapShown) {
+        m_MinimapPainted = minimapArea();
         paintMinimap();
+    }
+}
+
+bool OrvNgView::paintsOnlyScene() const
+{
+    return typeid(*this) == typeid(OrvNgView);
+}
+
+bool OrvNgView::canPaintPartly() const
+{
+    return paintsOnlyScene() && viewportUpdateMode() == QGraphicsView::FullViewportUpdate
+        && cacheMode() == QGraphicsView::CacheNone;
+}
+
+void OrvNgView::scrollContentsBy(int dx, int dy)
+{
+    if (canMovePixels())
+        movePixels(dx, dy);
+    else
+        QGraphicsView::scrollContentsBy(dx, dy);
+}
+
+/// Not while something is drawn that stays in its place or hangs on the cursor, nor where a step is a part of a
+/// pixel of the screen. Children of the viewport would move as well.
+bool OrvNgView::canMovePixels() const
+{
+    const double ratio = viewport()->devicePixelRatioF();
+    return canPaintPartly() && ratio == std::floor(ratio) && !m_Band->isActive()
+        && !drawingEdgeSeverPath() && viewport()->children().isEmpty();
+}
+
+/// The base class moves the pixels and repaints what is uncovered when it is not to repaint everything. Items may
+/// paint a little beyond their bounds, so some of what has been there before is repainted as well.
+void OrvNgView::movePixels(int dx, int dy)
+{
+    setViewportUpdateMode(QGraphicsView::MinimalViewportUpdate);
+    QGraphicsView::scrollContentsBy(dx, dy);
+    setViewportUpdateMode(QGraphicsView::FullViewportUpdate);
+
+    const QRect area = viewport()->rect();
+    const QRect kept = area.translated(dx, dy).adjusted(dx > 0 ? kOutlineReach : 0,
+        dy > 0 ? kOutlineReach : 0, dx < 0 ? -kOutlineReach : 0, dy < 0 ? -kOutlineReach : 0);
+    viewport()->update(QRegion(area) - kept);
+    if (m_MinimapShown) {
+        m_MinimapPainted.translate(dx, dy);
+        viewport()->update(m_MinimapPainted);
+        viewport()->update(minimapArea());
+    }
+    if (m_MinimapShown != shouldDisplayMinimap())
+        viewport()->update();
 }
 
 void OrvNgView::paintSeverPath()

@@ -17,6 +17,7 @@ class OrvNgGrid;
 class OrvNgGuardedItem;
 class OrvNgMinimap;
 class OrvNgNode;
+class OrvNgPartialUpdates;
 class OrvNgPort;
 class OrvNgRubberBand;
 struct OrvNgMinimapFrame;
@@ -194,6 +195,11 @@ protected:
     /// Whether a selectable item that the rubber band reaches counts as inside it. The band is in
     /// scene coordinates. The answer may depend only on how the two meet.
     virtual bool canBandSelect(QGraphicsItem* item, const QPolygonF& band) const;
+    /// Whether the view shows nothing but the scene, and its items paint within their bounds and two viewport
+    /// pixels around them. Then only what has changed is repainted, and scrolling moves what is there, although
+    /// the update mode is that of full updates. False for derived classes that do not say so: they may paint
+    /// what else they show whenever there is an update.
+    virtual bool paintsOnlyScene() const;
 
     /// Zooms by a factor about the transformation anchor, within the limits of zoomIn().
     void scaleView(double scaleFactor);
@@ -212,6 +218,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
     void drawBackground(QPainter* painter, const QRectF& rect) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -261,6 +268,7 @@ private:
     void noticeScene();
 
     OrvNgMinimapFrame minimapFrame() const;
+    QRect minimapArea() const;
     bool pressStartsInMinimap(QMouseEvent* event);
     void followMinimapDrag(const QPoint& viewPos);
     void endMinimapDrag();
@@ -274,6 +282,10 @@ private:
     void cancelNavigation();
     bool isNavigating() const { return m_NavigationMode != NavigationNone; }
 
+    friend class OrvNgPartialUpdates;
+    bool canPaintPartly() const;
+    bool canMovePixels() const;
+    void movePixels(int dx, int dy);
     void paintSeverPath();
     void paintBand();
     void paintMinimap();
@@ -291,7 +303,9 @@ private:
     float m_ZoomPressScale = 1.0F; ///< m11 of the view's transform
     bool m_MinimapVisible = true;
     bool m_MinimapShown = false; ///< the last paint drew it
+    QRect m_MinimapPainted; ///< where that is now, in viewport pixels
     std::unique_ptr<OrvNgMinimap> m_Minimap;
+    std::unique_ptr<OrvNgPartialUpdates> m_PartialUpdates;
     bool m_GridEnabled = false;
     QTimer m_AutoScrollTimer;
 

@@ -29,6 +29,9 @@ public:
     using OrvNgView::scaleView;
     using OrvNgView::setCursorTrackingMode;
     using OrvNgView::setNavigationSchemeName;
+
+protected:
+    bool paintsOnlyScene() const override { return true; }
 };
 
 /// One step of a trace: a named operation and the seed of all chance in it. Steps stand for themselves:
