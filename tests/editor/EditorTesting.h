@@ -54,12 +54,12 @@ inline void flush()
 }
 
 /// A document of the tests' own, which stays as it is.
-inline QString testPath(const char* name)
+inline QString testPath(const QByteArray& name)
 {
     return QStringLiteral(ORV_TEST_DATA "/editor/") + QLatin1String(name);
 }
 
-inline QByteArray testDocument(const char* name)
+inline QByteArray testDocument(const QByteArray& name)
 {
     QFile file(testPath(name));
     if (!file.open(QIODevice::ReadOnly))

@@ -4,9 +4,7 @@
 #include <QGraphicsScene>
 #include <QImage>
 #include <QPainter>
-#include <QSettings>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <OrvNodeGraph/OrvNgBackdropNode.h>
@@ -34,24 +32,6 @@ OrvNgExtendedNode* addNode(QGraphicsScene* scene, const char* category, const QP
     return node;
 }
 
-void addBackdrops(QGraphicsScene* scene)
-{
-    for (const bool hasColor : {false, true}) {
-        auto* backdrop = new OrvNgBackdropNode(nullptr);
-        backdrop->setTitleText(QStringLiteral("Frame"));
-        backdrop->setLabel(QStringLiteral("Remark"));
-        if (hasColor)
-            backdrop->setNodeBackgroundColour(Qt::darkBlue);
-        scene->addItem(backdrop);
-        backdrop->setPos(-140, hasColor ? 100 : 200);
-        backdrop->setSelected(hasColor);
-    }
-    auto* note = new OrvNgUINode(nullptr);
-    note->setLabel(QStringLiteral("Note"));
-    scene->addItem(note);
-    note->setPos(100, 240);
-}
-
 /// Two nodes and an edge of each kind, backdrops and a note.
 void fill(QGraphicsScene* scene)
 {
@@ -63,7 +43,18 @@ void fill(QGraphicsScene* scene)
     dest->input(QStringLiteral("labelled"))->setTextVisible(true);
     dest->input(QStringLiteral("crossed"))->setBypassed(true);
     dest->input(QStringLiteral("marked"))->switchToDotableMode(true);
-    addBackdrops(scene);
+    for (const bool isSelected : {false, true}) {
+        auto* backdrop = new OrvNgBackdropNode(nullptr);
+        backdrop->setTitleText(QStringLiteral("Frame"));
+        backdrop->setLabel(QStringLiteral("Remark"));
+        scene->addItem(backdrop);
+        backdrop->setPos(-140, isSelected ? 100 : 200);
+        backdrop->setSelected(isSelected);
+    }
+    auto* note = new OrvNgUINode(nullptr);
+    note->setLabel(QStringLiteral("Note"));
+    scene->addItem(note);
+    note->setPos(100, 240);
 }
 
 QImage picture(QGraphicsScene* scene)
@@ -83,93 +74,75 @@ class tst_EditorStyleRefresh : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void oldItems_lookLikeNewOnes_data();
-    void oldItems_lookLikeNewOnes();
-    void manyChanges_areOnePass();
-
-private:
-    QTemporaryDir m_Folder;
-};
-
-void tst_EditorStyleRefresh::initTestCase()
-{
-    QCoreApplication::setOrganizationName(QStringLiteral("OrvTest"));
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Folder.path());
-}
-
-void tst_EditorStyleRefresh::oldItems_lookLikeNewOnes_data()
-{
-    const QVariant color = QColor(255, 0, 255);
-    const QVariant pair = QVariant::fromValue(qMakePair(QColor(255, 0, 255), QColor(0, 255, 0)));
-    const TestTable<QByteArray, QVariant> row("name", "value");
-    row("category of a node", "MiscNodeColor", color);
-    row("state of a node", "BypassedNodeColor", pair);
-    row("title", "NodeTextColor", color);
-    row("title of a bypassed node", "BypassedTextColor", color);
-    row("size", "NodeHeight", QVariant(70.0F));
-    row("edge", "EdgeColor", color);
-    row("width of edges", "EdgePenWidth", QVariant(9));
-    row("label", "EdgeLabelColor", color);
-    row("cross", "CrossedOutBypassedEdgeColor", color);
-    row("width of the cross", "BypassedEdgePenWidth", QVariant(9));
-    row("marker", "DotableMarkerColor", color);
-    row("text of ports", "PortTextColor", color);
-    row("ground of a label", "SceneBackgroundColor", color);
-    row("title bar of a backdrop", "BackdropNodeTitleBarColor", color);
-    row("title bar of a selected backdrop", "SelectedNodeColor", color);
-    row("handles of a backdrop", "BackdropNodeResizeHoverAreaColor", color);
-    row("height of title bars", "BackdropNodeTitleBarHeight", QVariant(60.0F));
-    row("place of titles", "BackdropNodeTitleBarPaddingLeftTop", QVariant(QPointF(40, 8)));
-    row("outline of a note", "NodeOutlineColor", color);
-}
-
-void tst_EditorStyleRefresh::oldItems_lookLikeNewOnes()
-{
-    QFETCH(QByteArray, name);
-    const char* property = name.constData();
-    QFETCH(QVariant, value);
-    OrvNgStyle& style = OrvNgStyle::instance();
-    const QVariant before = style.property(property);
-    QGraphicsScene scene;
-    new EditorStyleRefresh(&scene);
-    fill(&scene);
-    const QImage old = picture(&scene);
-
-    QVERIFY(style.setProperty(property, value));
-    QCoreApplication::processEvents();
-    QGraphicsScene made;
-    fill(&made);
-    const QImage wanted = picture(&made);
-    const QImage refreshed = picture(&scene);
-    style.setProperty(property, before);
-    QCoreApplication::processEvents();
-    const QImage back = picture(&scene);
-
-    QVERIFY(wanted != old); // the property shows at all
-    QCOMPARE(refreshed, wanted);
-    QCOMPARE(back, old);
-}
-
-void tst_EditorStyleRefresh::manyChanges_areOnePass()
-{
-    OrvNgStyle& style = OrvNgStyle::instance();
-    QGraphicsScene first;
-    QGraphicsScene second;
-    new EditorStyleRefresh(&first);
-    new EditorStyleRefresh(&second);
-    QSignalSpy passes(&style, &OrvNgStyle::colorsUpdated);
-    for (int i = 1; i < 6; ++i) {
-        style.setGridLinesColor(OrvColor(0.1F * float(i), 0.0F, 0.0F));
-        style.setMathNodeColor(OrvColor(0.0F, 0.1F * float(i), 0.0F));
+    void oldItems_lookLikeNewOnes_data()
+    {
+        const QVariant color = QColor(255, 0, 255);
+        const QVariant pair
+            = QVariant::fromValue(qMakePair(QColor(255, 0, 255), QColor(0, 255, 0)));
+        const TestTable<QByteArray, QVariant> row("name", "value");
+        row("category of a node", "MiscNodeColor", color);
+        row("state of a node", "BypassedNodeColor", pair);
+        row("title", "NodeTextColor", color);
+        row("size", "NodeHeight", QVariant(70.0F));
+        row("edge", "EdgeColor", color);
+        row("label", "EdgeLabelColor", color);
+        row("cross", "CrossedOutBypassedEdgeColor", color);
+        row("marker", "DotableMarkerColor", color);
+        row("text of ports", "PortTextColor", color);
+        row("ground of a label", "SceneBackgroundColor", color);
+        row("title bar of a backdrop", "BackdropNodeTitleBarColor", color);
+        row("title bar of a selected backdrop", "SelectedNodeColor", color);
+        row("height of title bars", "BackdropNodeTitleBarHeight", QVariant(60.0F));
+        row("place of titles", "BackdropNodeTitleBarPaddingLeftTop", QVariant(QPointF(40, 8)));
+        row("outline of a note", "NodeOutlineColor", color);
     }
-    QCOMPARE(passes.count(), 0);
-    QCoreApplication::processEvents();
-    QCOMPARE(passes.count(), 1);
-    QCOMPARE(style.getGridPen().color(), QColor(128, 0, 0));
-    QCoreApplication::processEvents();
-    QCOMPARE(passes.count(), 1); // what it derived starts no other
-}
+
+    void oldItems_lookLikeNewOnes()
+    {
+        QFETCH(QByteArray, name);
+        const char* property = name.constData();
+        QFETCH(QVariant, value);
+        OrvNgStyle& style = OrvNgStyle::instance();
+        const QVariant before = style.property(property);
+        QGraphicsScene scene;
+        new EditorStyleRefresh(&scene);
+        fill(&scene);
+        const QImage old = picture(&scene);
+
+        QVERIFY(style.setProperty(property, value));
+        QCoreApplication::processEvents();
+        QGraphicsScene made;
+        fill(&made);
+        const QImage wanted = picture(&made);
+        const QImage refreshed = picture(&scene);
+        style.setProperty(property, before);
+        QCoreApplication::processEvents();
+        const QImage back = picture(&scene);
+
+        QVERIFY(wanted != old); // the property shows at all
+        QCOMPARE(refreshed, wanted);
+        QCOMPARE(back, old);
+    }
+
+    void manyChanges_areOnePass()
+    {
+        OrvNgStyle& style = OrvNgStyle::instance();
+        QGraphicsScene first;
+        new EditorStyleRefresh(&first);
+        new EditorStyleRefresh(&first);
+        QSignalSpy passes(&style, &OrvNgStyle::colorsUpdated);
+        for (int i = 1; i < 6; ++i) {
+            style.setGridLinesColor(OrvColor(0.1F * float(i), 0.0F, 0.0F));
+            style.setMathNodeColor(OrvColor(0.0F, 0.1F * float(i), 0.0F));
+        }
+        QCOMPARE(passes.count(), 0);
+        QCoreApplication::processEvents();
+        QCOMPARE(passes.count(), 1);
+        QCOMPARE(style.getGridPen().color(), QColor(128, 0, 0));
+        QCoreApplication::processEvents();
+        QCOMPARE(passes.count(), 1); // what it derived starts no other
+    }
+};
 
 QTEST_MAIN(tst_EditorStyleRefresh)
 #include "tst_EditorStyleRefresh.moc"
