@@ -100,11 +100,8 @@ private Q_SLOTS:
         const QString path = files.writeDocument(
             QStringLiteral("a/b/c/document.mtlx"), R"(<n name="x" type="float"/>)");
         const auto definitionNow = [&path](const NetSearchPath& searchPath) {
-            return nameOf(NetReader(searchPath)
-                              .read(path)
-                              .document->documentScope()
-                              .nodes.constFirst()
-                              .definition);
+            const auto document = NetReader(searchPath).read(path).document;
+            return nameOf(document->documentScope().nodes.constFirst().definition);
         };
         QCOMPARE(definitionNow(NetSearchPath()), QStringLiteral("near"));
         QCOMPARE(definitionNow(NetSearchPath({files.path(QString())})), QStringLiteral("far"));
@@ -124,9 +121,9 @@ private Q_SLOTS:
         QCOMPARE(nameOf(result.document->documentScope().nodes.constFirst().definition),
             QStringLiteral("whole"));
         QCOMPARE(result.messages.size(), 1);
-        QCOMPARE(result.messages.constFirst().severity, NetMessage::Severity::Info);
-        QCOMPARE(result.messages.constFirst().file, broken);
-        QCOMPARE(result.messages.constFirst().line, 2);
+        const NetMessage& message = result.messages.constFirst();
+        QCOMPARE(message.severity, NetMessage::Severity::Info);
+        QVERIFY(message.toString().startsWith(broken + QStringLiteral(":2: ")));
     }
 };
 
