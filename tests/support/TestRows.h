@@ -4,8 +4,8 @@
 #include <QTest>
 
 /// The table of a _data slot out of a text file: the lines below "[section]", whose cells, all of them
-/// QByteArray, stand between " | ". A missing cell is empty; "\n", "\r" and "\t" are written as here;
-/// # begins a remark.
+/// QByteArray, stand between " | ". Cells may be left out at the end; "\n", "\r" and "\t" are written as
+/// here; # begins a remark.
 ///
 /// Called by  tests.
 /// Uses       QTest.
