@@ -27,11 +27,6 @@ public:
     {
         return write(name, "<materialx version=\"1.39\">\n" + children + "\n</materialx>\n");
     }
-    NetReadResult read(const QByteArray& children, const QStringList& searchPath = {}) const
-    {
-        return NetReader(NetSearchPath(searchPath))
-            .read(writeDocument(QStringLiteral("document.mtlx"), children));
-    }
 
     /// A document of the tests' own, as it stands in its file.
     static QByteArray data(const char* name)

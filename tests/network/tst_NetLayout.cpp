@@ -1,11 +1,14 @@
 #include "network/NetLayout.h"
 #include "support/TestTable.h"
 
+#include <QMap>
 #include <QRandomGenerator>
 #include <QRectF>
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 
 namespace {
 
@@ -15,9 +18,13 @@ struct Network
     QVector<NetLayoutEdge> edges;
 };
 
-QRectF rectOf(const Network& network, const QVector<QPointF>& corners, int i)
+QVector<QRectF> arranged(const Network& network)
 {
-    return {corners.at(i), network.nodes.at(i).size};
+    const QVector<QPointF> corners = NetLayout::arrange(network.nodes, network.edges);
+    QVector<QRectF> rects;
+    for (int i = 0; i < corners.size(); ++i)
+        rects.append({corners.at(i), network.nodes.at(i).size});
+    return rects;
 }
 
 // Every edge leads from a lower to a higher number, so that the network has no cycle.
@@ -34,11 +41,6 @@ Network layered(int nodeCount, int edgeCount, quint32 seed)
         network.edges.append({source, dest, 10, random.bounded(height)});
     }
     return network;
-}
-
-QVector<QPointF> arrange(const Network& network)
-{
-    return NetLayout::arrange(network.nodes, network.edges);
 }
 
 } // namespace
@@ -63,25 +65,19 @@ private Q_SLOTS:
         QFETCH(int, nodes);
         QFETCH(int, edges);
         const Network network = layered(nodes, edges, 7);
-        const QVector<QPointF> corners = arrange(network);
-        QCOMPARE(arrange(network), corners);
+        const QVector<QRectF> rects = arranged(network);
+        QCOMPARE(arranged(network), rects);
         QPointF least(1e9, 1e9);
         for (int i = 0; i < nodes; ++i) {
-            const QRectF rect = rectOf(network, corners, i);
-            QCOMPARE(rect.topLeft(), QPointF(rect.topLeft().toPoint()));
-            least = {std::min(least.x(), rect.left()), std::min(least.y(), rect.top())};
-            for (int k = 0; k < i; ++k) {
-                // Less than the gap of 24 by what rounding takes.
-                const QRectF room = rect.adjusted(-22, -22, 22, 22);
-                QVERIFY(!room.intersects(rectOf(network, corners, k)));
-            }
+            const QPointF corner = rects.at(i).topLeft();
+            QCOMPARE(corner, QPointF(corner.toPoint()));
+            least = {std::min(least.x(), corner.x()), std::min(least.y(), corner.y())};
+            for (int k = 0; k < i; ++k) // 24 apart, less what rounding takes
+                QVERIFY(!rects.at(i).adjusted(-22, -22, 22, 22).intersects(rects.at(k)));
         }
         QCOMPARE(least, QPointF(0, 0));
-        for (const NetLayoutEdge& edge : network.edges) {
-            QVERIFY(rectOf(network, corners, edge.dest).left()
-                    - rectOf(network, corners, edge.source).right()
-                >= 69);
-        }
+        for (const NetLayoutEdge& edge : network.edges)
+            QVERIFY(rects.at(edge.dest).left() - rects.at(edge.source).right() >= 69);
     }
 
     void cycle_isLaidOutWithOneEdgeBackwards()
@@ -89,11 +85,10 @@ private Q_SLOTS:
         // Entered in the middle.
         const Network network{
             QVector<NetLayoutNode>(4, {QSizeF(100, 40)}), {{2, 3}, {3, 1}, {1, 2}, {0, 3}}};
-        const QVector<QPointF> corners = arrange(network);
-        const auto backwards = std::count_if(
-            network.edges.cbegin(), network.edges.cend(), [&corners](const NetLayoutEdge& edge) {
-                return corners.at(edge.dest).x() <= corners.at(edge.source).x();
-            });
+        const QVector<QRectF> rects = arranged(network);
+        int backwards = 0;
+        for (const NetLayoutEdge& edge : network.edges)
+            backwards += rects.at(edge.dest).x() <= rects.at(edge.source).x() ? 1 : 0;
         QCOMPARE(backwards, 1);
     }
 
@@ -104,20 +99,17 @@ private Q_SLOTS:
             network.edges.append({i - 1, i, 43, 61});
         const int chain = network.edges.size();
         network.edges += {{0, 6, 70, 90}, {1, 4, 80, 90}};
-        const QVector<QPointF> corners = arrange(network);
+        const QVector<QRectF> rects = arranged(network);
         for (int i = chain; i < network.edges.size(); ++i) {
             // Level to the middle of the way, up or down there, level again.
             const NetLayoutEdge& edge = network.edges.at(i);
-            const QPointF from = corners.at(edge.source) + QPointF(160, edge.sourceOffset);
-            const QPointF to = corners.at(edge.dest) + QPointF(0, edge.destOffset);
+            const QPointF from = rects.at(edge.source).topRight() + QPointF(0, edge.sourceOffset);
+            const QPointF to = rects.at(edge.dest).topLeft() + QPointF(0, edge.destOffset);
             const qreal middle = (from.x() + to.x()) / 2;
-            for (int box = edge.source + 1; box < edge.dest; ++box) {
-                const QRectF rect = rectOf(network, corners, box);
-                const bool meetsFirst
-                    = rect.left() < middle && rect.contains(rect.center().x(), from.y());
-                const bool meetsLast
-                    = rect.right() > middle && rect.contains(rect.center().x(), to.y());
-                QVERIFY(!meetsFirst && !meetsLast);
+            for (const QRectF& rect : rects.mid(edge.source + 1, edge.dest - edge.source - 1)) {
+                const qreal x = rect.center().x();
+                QVERIFY(rect.left() >= middle || !rect.contains(x, from.y()));
+                QVERIFY(rect.right() <= middle || !rect.contains(x, to.y()));
             }
         }
     }
@@ -131,13 +123,11 @@ private Q_SLOTS:
             network.edges.append({network.nodes.size(), 0, 20, 40.0 + 48 * port});
             network.nodes.append({QSizeF(120, 40)});
         }
-        const QVector<QPointF> corners = arrange(network);
-        QVector<QPair<qreal, int>> fromTheTop;
+        const QVector<QRectF> rects = arranged(network);
+        QMap<qreal, int> fromTheTop;
         for (int i = 0; i < ports.size(); ++i)
-            fromTheTop.append({corners.at(i + 1).y(), ports.at(i)});
-        std::sort(fromTheTop.begin(), fromTheTop.end());
-        for (int i = 0; i < ports.size(); ++i)
-            QCOMPARE(fromTheTop.at(i).second, i);
+            fromTheTop.insert(rects.at(i + 1).y(), ports.at(i));
+        QCOMPARE(fromTheTop.values(), QList<int>({0, 1, 2, 3, 4, 5, 6, 7}));
     }
 
     void manyNetworks_makeATableInsteadOfATower()
@@ -147,14 +137,13 @@ private Q_SLOTS:
             network.nodes += {{QSizeF(150, 60)}, {QSizeF(180, 700)}};
             network.edges.append({2 * i, 2 * i + 1, 30, 40});
         }
-        const QVector<QPointF> corners = arrange(network);
-        QRectF bounds;
-        for (int i = 0; i < corners.size(); ++i)
-            bounds |= rectOf(network, corners, i);
+        const QVector<QRectF> rects = arranged(network);
+        const QRectF bounds
+            = std::accumulate(rects.cbegin(), rects.cend(), QRectF(), std::bit_or<>());
         // Three rows of three: a tower would be 400 wide and 6,900 high.
         QVERIFY(bounds.width() > 1300 && bounds.height() < 2500);
-        QCOMPARE(corners.at(3).y(), corners.at(1).y());
-        QVERIFY(corners.at(3).x() > corners.at(1).x());
+        QCOMPARE(rects.at(3).y(), rects.at(1).y());
+        QVERIFY(rects.at(3).x() > rects.at(1).x());
     }
 };
 

@@ -32,13 +32,11 @@ private Q_SLOTS:
     {
         QFETCH(QJsonObject, expected);
         const QDir folder(qEnvironmentVariable("ORV_SHARED_DATA"));
-        const NetReadResult result
-            = NetReader(NetSearchPath())
-                  .read(folder.filePath(QString::fromUtf8(QTest::currentDataTag())));
+        const QString file = folder.filePath(QString::fromUtf8(QTest::currentDataTag()));
+        const NetReadResult result = NetReader(NetSearchPath()).read(file);
         QVERIFY(result.document);
-        for (const NetMessage& message : result.messages)
-            QVERIFY2(
-                message.severity == NetMessage::Severity::Info, qPrintable(message.toString()));
+        for (const NetMessage& each : result.messages)
+            QVERIFY2(each.severity == NetMessage::Severity::Info, qPrintable(each.toString()));
         QJsonArray scopes;
         QStringList openEnds;
         NetCounts sum;
@@ -51,19 +49,19 @@ private Q_SLOTS:
                 scopes.append(described(scope, counts));
             for (const NetOpenEnd& end : scope.openEnds) {
                 if (end.reason != NetOpenEnd::Reason::Outside)
-                    openEnds.append(QString::number(end.line) + QLatin1Char(' ') + end.wantedName);
+                    openEnds.append(QString::number(end.line) + end.wantedName);
             }
         }
+        const auto wanted = [&](const char* key) { return expected.value(QLatin1String(key)); };
         QStringList dangling;
-        for (const QJsonValue& each : expected.value(QLatin1String("dangling")).toArray())
-            dangling.append(QString::number(each.toArray().at(0).toInt()) + QLatin1Char(' ')
-                + each.toArray().at(2).toString());
+        for (const QJsonValue& each : wanted("dangling").toArray())
+            dangling.append(QString::number(each[0].toInt()) + each[2].toString());
         QCOMPARE(openEnds, dangling);
-        const QJsonArray wanted = expected.value(QLatin1String("scopes")).toArray();
-        QCOMPARE(QJsonDocument(scopes).toJson(), QJsonDocument(wanted).toJson());
-        QCOMPARE(sum.resolvedNodes, expected.value(QLatin1String("nodesResolved")).toInt());
-        QCOMPARE(sum.inputPorts, expected.value(QLatin1String("inputPortsWithDefaults")).toInt());
-        QCOMPARE(sum.outputPorts, expected.value(QLatin1String("outputPorts")).toInt());
+        QCOMPARE(
+            QJsonDocument(scopes).toJson(), QJsonDocument(wanted("scopes").toArray()).toJson());
+        QCOMPARE(sum.resolvedNodes, wanted("nodesResolved").toInt());
+        QCOMPARE(sum.inputPorts, wanted("inputPortsWithDefaults").toInt());
+        QCOMPARE(sum.outputPorts, wanted("outputPorts").toInt());
     }
 
 private:
