@@ -88,6 +88,12 @@ public:
         press(pos);
         release(pos);
     }
+    void doubleClick(const QPoint& pos)
+    {
+        click(pos);
+        send(QEvent::MouseButtonDblClick, pos, Qt::LeftButton);
+        release(pos);
+    }
     void moveAlong(const QVector<QPoint>& way)
     {
         for (int i = 1; i < way.size(); ++i) {

@@ -109,7 +109,7 @@ struct Desk : Stage
             {"release", [&] { release(to()); }},
             {"click", [&] { click(to()); }},
             {"cancel", [&] { press(to(), Qt::RightButton), release(to(), Qt::RightButton); }},
-            {"again", [&] { send(QEvent::MouseButtonDblClick, to(), Qt::LeftButton); }},
+            {"double", [&] { doubleClick(to()); }},
             {"C", [&] { QTest::keyPress(&m_View, Qt::Key_C); }},
             {"uncut", [&] { QTest::keyRelease(&m_View, Qt::Key_C); }},
             {"escape", [&] { QTest::keyClick(&m_View, Qt::Key_Escape); }},

@@ -7,17 +7,17 @@
 #include "editor/EditorUser.h"
 #include "editor/EditorWindow.h"
 #include "network/NetDocument.h"
-#include "support/TestTable.h"
+#include "support/TestRows.h"
 
 #include <OrvCore/OrvUndoManager.h>
 #include <OrvCoreModules/OrvShaderNetworkManager.h>
 
 #include <QAction>
 #include <QDropEvent>
+#include <QMap>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPointer>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -25,7 +25,7 @@
 #include <QUndoStack>
 
 #include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
-#include <algorithm>
+#include <functional>
 
 using namespace EditorTesting;
 using Mode = EditorScene::Mode;
@@ -34,16 +34,22 @@ namespace {
 
 // The graph "inner" stands inside "outer".
 const QByteArray kGraphs = testDocument("graphs.mtlx");
+// What somebody else makes of it.
+const QByteArray kTheirs = QByteArray(kGraphs).replace(
+    "<twice name=\"deep\"", "<twice name=\"new\" type=\"float\" /><twice name=\"deep\"");
+const QPoint kGround(5, 5); // where there is nothing
+
+QString q(const char* text)
+{
+    return QString::fromUtf8(text);
+}
 
 using Answer = EditorQuestions::Answer;
 
 /// Answers as it was told to, and remembers what was asked.
 struct Answers : EditorQuestions
 {
-    Answers()
-        : EditorQuestions(nullptr)
-    {
-    }
+    using EditorQuestions::EditorQuestions;
     template <typename T> T said(const char* what, const QString& about, const T& answer)
     {
         m_Asked.append(QLatin1String(what) + about);
@@ -93,18 +99,27 @@ class tst_EditorWindow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { m_Graphs = write("graphs.mtlx", kGraphs); }
-
     void init()
     {
+        m_Folder = std::make_unique<QTemporaryDir>();
+        for (const char* folder : {"gone", "away"})
+            QVERIFY(QDir(m_Folder->path()).mkdir(QLatin1String(folder)));
+        for (const char* name : {"graphs.mtlx", "other.mtlx", "gone/kept.mtlx"})
+            write(name, kGraphs);
+        write("bad.mtlx", "<html>\n</html>");
+        const QByteArray part = write("part.mtlx", "<materialx/>").toUtf8();
+        write("whole.mtlx",
+            "<materialx>\n<xi:include href='part.mtlx'/>\n<xi:include href='gone.mtlx'/>\n"
+            "<xi:include href='"
+                + part + "'/>\n</materialx>");
         m_Window = std::make_unique<EditorWindow>(NetSearchPath());
-        m_Answers = new Answers;
+        m_Answers = new Answers(nullptr);
         m_Window->setQuestions(std::unique_ptr<EditorQuestions>(m_Answers));
         m_Window->resize(1000, 700);
         m_Window->show();
         m_Window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_Window.get()));
-        QVERIFY(m_Window->openFile(m_Graphs));
+        QVERIFY(m_Window->openFile(path("graphs.mtlx")));
     }
 
     void cleanup()
@@ -113,20 +128,44 @@ private Q_SLOTS:
         flush();
     }
 
+    void session_isShownAndEndsInPeace_data()
+    {
+        addTestRows(ORV_TEST_DATA "/editor/window.txt", "sessions", {"script", "outcome"});
+    }
+
+    void session_isShownAndEndsInPeace()
+    {
+        QFETCH(QByteArray, script);
+        const Noise noise;
+        m_Told.clear();
+        for (const QString& line : QString::fromUtf8(script).split(q(", "))) {
+            play(line.section(QLatin1Char(' '), 0, 0), line.section(QLatin1Char(' '), 1));
+            flush();
+        }
+        QTEST(state().toUtf8(), "outcome");
+        m_Answers->m_Unsaved = Answer::Discard;
+        QVERIFY(m_Window->close());
+        cleanup();
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+        QCOMPARE(stack()->count(), 0);
+        const QRegularExpression trouble(q("^(?!\\[ -- \\])")); // not what is noted
+        QCOMPARE(noise.heard().filter(trouble), QStringList());
+    }
+
     void modes_areSetByKeysAndHeaders()
     {
         const auto modeOf = [&](const char* name) {
             return dynamic_cast<OrvNgExtendedNode*>(user().node(name))->portListMode();
         };
-        key(Qt::Key_5); // of all
+        key(q("5")); // of all
         select("user");
         for (int mode = 0; mode < 5; ++mode) {
-            key(Qt::Key(Qt::Key_1 + mode));
+            key(QString::number(mode + 1));
             QCOMPARE(int(modeOf("user")), mode);
             QCOMPARE(modeOf("outer"), Mode::PORT_LIST_COLLAPSED);
         }
         QVERIFY(m_Window->openFile(testPath("small.mtlx"))); // with groups of ports
-        key(Qt::Key_5);
+        key(q("5"));
         for (const Mode next : {Mode::PORT_LIST_EXPANDED, Mode::PORT_LIST_GROUPED,
                  Mode::PORT_LIST_ONLY_CONNECTED, Mode::PORT_LIST_COLLAPSED}) {
             const QRectF header = user().node("second")->nodeShapeRect();
@@ -136,227 +175,11 @@ private Q_SLOTS:
         }
     }
 
-    void enterAndLeave_byKeysAndDoubleClick()
-    {
-        select("outer");
-        key(Qt::Key_Return);
-        QCOMPARE(scopePath(), QStringLiteral("outer"));
-        QVERIFY(m_Window->windowTitle().contains(QStringLiteral("outer")));
-        QTest::mouseDClick(
-            m_Window->view()->viewport(), Qt::LeftButton, {}, user().atHeader("inner"));
-        flush();
-        QCOMPARE(scopePath(), QStringLiteral("outer/inner"));
-        key(Qt::Key_U);
-        QCOMPARE(scopePath(), QStringLiteral("outer"));
-        key(Qt::Key_Backspace);
-        QCOMPARE(scopePath(), QString());
-        key(Qt::Key_U); // nowhere to go
-        QCOMPARE(scopePath(), QString());
-    }
-
-    void failedOpen_keepsTheDocument()
-    {
-        QVERIFY(m_Window->showGraph(QStringLiteral("outer")));
-        const QPointer<EditorScene> scene = m_Window->scene();
-        const QString bad = write("bad.mtlx", "<html>\n</html>");
-        QVERIFY(!m_Window->openFile(bad));
-        flush();
-        QVERIFY(scene && scene == m_Window->scene());
-        QCOMPARE(m_Window->filePath(), m_Graphs);
-        QVERIFY(bar()->isVisible());
-        QVERIFY2(bar()->headline().contains(QStringLiteral("bad.mtlx:1")),
-            qPrintable(bar()->headline()));
-        QVERIFY(m_Window->openFile(m_Graphs));
-        QVERIFY(!bar()->isVisible());
-    }
-
-    void reload_showsTheChangedFileInTheSameScope()
-    {
-        const QString file = write("changing.mtlx", kGraphs);
-        QVERIFY(m_Window->openFile(file));
-        QVERIFY(m_Window->showGraph(QStringLiteral("outer/inner")));
-        m_Window->view()->lookAt(QPointF(10, 10), 0.8);
-        QByteArray changed = kGraphs;
-        write("changing.mtlx", changed.replace("<output", "<twice name=\"new\" /><output"));
-        key(Qt::Key_F5);
-        QCOMPARE(scopePath(), QStringLiteral("outer/inner"));
-        QVERIFY(user().index("new") >= 0);
-        QCOMPARE(m_Window->view()->transform().m11(), 0.8);
-    }
-
-    void unsavedChanges_areAskedAbout_data()
-    {
-        const TestTable<QString, int> row("way", "answer");
-        for (const char* way : {"close", "open", "reload", "drop"}) {
-            const QByteArray tag(way);
-            row((tag + ", save").constData(), way, int(Answer::Save));
-            row((tag + ", discard").constData(), way, int(Answer::Discard));
-            row((tag + ", cancel").constData(), way, int(Answer::Cancel));
-        }
-    }
-
-    void unsavedChanges_areAskedAbout()
-    {
-        QFETCH(QString, way);
-        QFETCH(int, answer);
-        const bool isGone = Answer(answer) != Answer::Cancel;
-        const QString file = write("asked.mtlx", kGraphs);
-        QVERIFY(m_Window->openFile(file));
-        change();
-        const QByteArray changed = text();
-        QVERIFY(changed != kGraphs);
-        m_Answers->m_Unsaved = Answer(answer);
-        if (way == QLatin1String("close")) {
-            QCOMPARE(m_Window->close(), isGone);
-        } else if (way == QLatin1String("open")) {
-            QCOMPARE(m_Window->openFile(m_Graphs), isGone);
-        } else if (way == QLatin1String("reload")) {
-            key(Qt::Key_F5);
-        } else {
-            QMimeData data;
-            data.setUrls({QUrl::fromLocalFile(m_Graphs)});
-            QDragEnterEvent enter({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QCoreApplication::sendEvent(m_Window.get(), &enter);
-            QDropEvent event({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QCoreApplication::sendEvent(m_Window.get(), &event);
-        }
-        flush();
-        QCOMPARE(m_Answers->m_Asked, QStringList(QStringLiteral("unsaved asked.mtlx")));
-        QCOMPARE(contents(file), Answer(answer) == Answer::Save ? changed : kGraphs);
-        if (way == QLatin1String("close"))
-            return;
-        QCOMPARE(m_Window->isWindowModified(), !isGone);
-        QCOMPARE(stack()->count(), isGone ? 0 : 1); // a new document has no past
-    }
-
-    void failedSave_keepsFileAndChanges()
-    {
-        QVERIFY(QDir(m_Folder.path()).mkdir(QStringLiteral("gone")));
-        const QString file = write("gone/kept.mtlx", kGraphs);
-        QVERIFY(m_Window->openFile(file));
-        change();
-        QDir(m_Folder.path()).rename(QStringLiteral("gone"), QStringLiteral("elsewhere"));
-
-        key(Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(m_Answers->m_Asked.size(), 1);
-        QVERIFY(bar()->isVisible() && bar()->headline().contains(QStringLiteral("kept.mtlx")));
-        QVERIFY(m_Window->isWindowModified());
-        // Saving as the way out fails as well: the window stays.
-        m_Answers->m_Unsaved = Answer::Save;
-        QVERIFY(!m_Window->close());
-        QCOMPARE(contents(m_Folder.filePath(QStringLiteral("elsewhere/kept.mtlx"))), kGraphs);
-
-        m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("rescued.mtlx"));
-        key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-        QCOMPARE(m_Window->filePath(), m_Answers->m_SavePath);
-        QCOMPARE(contents(m_Answers->m_SavePath), text());
-        QVERIFY(!m_Window->isWindowModified() && !bar()->isVisible());
-        QVERIFY(m_Window->windowTitle().contains(QStringLiteral("rescued.mtlx")));
-    }
-
-    void fileChangedOnDisk_isNotOverwrittenUnasked()
-    {
-        const QString file = write("shared.mtlx", kGraphs);
-        QVERIFY(m_Window->openFile(file));
-        change();
-        const QByteArray theirs = kGraphs + "<!-- theirs -->\n";
-        write("shared.mtlx", theirs);
-        QVERIFY(!m_Window->save());
-        QCOMPARE(m_Answers->m_Asked, QStringList(QStringLiteral("changed shared.mtlx")));
-        QCOMPARE(contents(file), theirs);
-        QVERIFY(m_Window->isWindowModified());
-
-        m_Answers->m_Overwrites = true;
-        QVERIFY(m_Window->save());
-        QCOMPARE(contents(file), text());
-        QVERIFY(m_Window->save()); // its own write, and then one that is gone: not asked about
-        QVERIFY(QFile::remove(file));
-        QVERIFY(m_Window->save());
-        QCOMPARE(m_Answers->m_Asked.size(), 2);
-    }
-
-    void undo_namesItsStepAndWaitsForTheMouse()
-    {
-        const QAction* undo = actionFor(QKeySequence(int(Qt::CTRL) | int(Qt::Key_Z)));
-        QVERIFY(!undo->isEnabled());
-        const QByteArray before = text();
-        change();
-        QCOMPARE(undo->text(), QStringLiteral("&Undo Move this && that"));
-        EditorUser hand = user();
-        hand.press({5, 5});
-        QVERIFY(!undo->isEnabled());
-        key(Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(stack()->index(), 1);
-        hand.release({5, 5});
-        QVERIFY(m_Window->showGraph(QStringLiteral("outer")));
-        key(Qt::Key_Z, Qt::ControlModifier);
-        flush();
-        QCOMPARE(scopePath(), QString()); // where the step was made
-        QCOMPARE(text(), before);
-        QVERIFY(!m_Window->isWindowModified());
-        key(Qt::Key_Y, Qt::ControlModifier);
-        QVERIFY(m_Window->isWindowModified());
-    }
-
-    void quitting_inTheMiddle_data()
-    {
-        const TestTable<QString> row("what");
-        for (const char* what : {"node", "edge", "menu", "dialog"})
-            row(what, what);
-    }
-
-    void quitting_inTheMiddle()
-    {
-        QFETCH(QString, what);
-        const Noise noise;
-        m_Window->frameAll();
-        if (what == QLatin1String("menu"))
-            m_Window->menuBar()->actions().constFirst()->menu()->popup(QPoint(9, 9));
-        else if (what == QLatin1String("dialog"))
-            openPreferences(), openPreferences();
-        else if (what == QLatin1String("edge"))
-            m_Window->view()->pickUpEdge(user().atPort("outer", "out"));
-        else
-            user().press(user().atHeader("user"));
-        QCOMPARE(m_Window->scene()->mouseGrabberItem() != nullptr,
-            what.size() == 4 && what != QLatin1String("menu"));
-        QCOMPARE(m_Window->findChildren<EditorPreferencesDialog*>().size(),
-            what == QLatin1String("dialog") ? 1 : 0);
-        QVERIFY(m_Window->close());
-        QCOMPARE(m_Answers->m_Asked, QStringList()); // nothing has changed
-        m_Window.reset();
-        flush();
-        QVERIFY(QApplication::topLevelWidgets().isEmpty());
-        QCOMPARE(stack()->count(), 0);
-        const QRegularExpression trouble(QStringLiteral("^(?!\\[ -- \\])")); // not what is noted
-        QCOMPARE(noise.heard().filter(trouble), QStringList());
-    }
-
-    void dotKey_marksTheSceneOnShowOnly()
-    {
-        const auto isDotable = [](const EditorScene* scene) {
-            for (QGraphicsItem* item : scene->items()) {
-                if (item->isVisible() && dynamic_cast<OrvNgDotableMarkerItem*>(item))
-                    return true;
-            }
-            return false;
-        };
-        const QPointer<EditorScene> outside = m_Window->scene();
-        QTest::keyPress(m_Window->view(), Qt::Key_D);
-        QVERIFY(isDotable(outside));
-        QVERIFY(m_Window->showGraph(QStringLiteral("outer")));
-        QVERIFY(!isDotable(outside));
-        QVERIFY(isDotable(m_Window->scene()));
-        QTest::keyRelease(m_Window->view(), Qt::Key_D);
-        QTRY_VERIFY(!isDotable(m_Window->scene()));
-        QTest::keyPress(m_Window->view(), Qt::Key_D); // it dies with the key held
-    }
-
     void settings_keepWhatTheUserChose()
     {
-        const QString path = m_Folder.filePath(QStringLiteral("settings.ini"));
         const auto settings = [&] {
-            return EditorSettings(std::make_unique<QSettings>(path, QSettings::IniFormat));
+            return EditorSettings(
+                std::make_unique<QSettings>(path("settings.ini"), QSettings::IniFormat));
         };
         auto* grid = OrvShaderNetworkManager::instance();
         const auto resetGrid = [grid] {
@@ -385,10 +208,10 @@ private Q_SLOTS:
         QCOMPARE(grid->gridWidth(), 40);
         m_Answers->m_GridSize = 33;
         trigger("Custom…");
-        key(Qt::Key_G, Qt::ShiftModifier);
+        key(q("Shift+G"));
         trigger("Harbor");
         QVERIFY(lookPastTheNodes(m_Window.get()));
-        key(Qt::Key_M);
+        key(q("M"));
         m_Window->resize(777, 555);
         QVERIFY(m_Window->close());
 
@@ -402,64 +225,13 @@ private Q_SLOTS:
         QVERIFY(snaps);
         QCOMPARE(settings().recentFiles(), QStringList(files.mid(0, 10)));
         QVERIFY(!next.view()->isShakeDetectionEnabled());
-        QCOMPARE(next.view()->navigationScheme(), QStringLiteral("Harbor"));
+        QCOMPARE(next.view()->navigationScheme(), q("Harbor"));
         QVERIFY(actionNamed(next, "Harbor")->isChecked());
         QVERIFY(next.restorePlace());
         QCOMPARE(next.size(), QSize(777, 555));
         next.show();
-        QVERIFY(next.openFile(m_Graphs));
+        QVERIFY(next.openFile(path("graphs.mtlx")));
         QVERIFY(!lookPastTheNodes(&next));
-    }
-
-    void saveAs_saysWhichIncludesAreLost()
-    {
-        write("part.mtlx", "<materialx/>");
-        const QByteArray part = m_Folder.filePath(QStringLiteral("part.mtlx")).toUtf8();
-        const QString file = write("whole.mtlx",
-            "<materialx>\n<xi:include href='part.mtlx'/>\n<xi:include href='gone.mtlx'/>\n"
-            "<xi:include href='"
-                + part + "'/>\n</materialx>");
-        QVERIFY(m_Window->openFile(file));
-        bar()->setMessages(QString(), {});
-        QVERIFY(QDir(m_Folder.path()).mkdir(QStringLiteral("away")));
-        m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("beside.mtlx"));
-        QVERIFY(m_Window->saveAs());
-        QVERIFY2(!bar()->isVisible(), qPrintable(bar()->headline()));
-        m_Answers->m_SavePath = m_Folder.filePath(QStringLiteral("away/whole.mtlx"));
-        QVERIFY(m_Window->saveAs());
-        const QString details = bar()->details(); // one was lost before, one is absolute
-        QVERIFY(bar()->isVisible() && !details.contains(QLatin1Char('\n')));
-        QVERIFY2(details.contains(QStringLiteral("away/whole.mtlx:2: ")), qPrintable(details));
-    }
-
-    void backdropKeys_changeTheOuterOne()
-    {
-        const auto keyOnAll = [&](Qt::Key k) {
-            m_Window->scene()->selectAll();
-            key(k);
-            flush();
-        };
-        const auto backdrop = [&](int i) { return m_Window->scene()->scope().backdrops.at(i); };
-        select("user");
-        m_Window->scene()->wrapSelection();
-        keyOnAll(Qt::Key_B);
-        QVERIFY(backdrop(1).rect.contains(backdrop(0).rect));
-        keyOnAll(Qt::Key_F2); // no answer
-        trigger("Colour…");
-        QCOMPARE(stack()->count(), 2);
-        m_Answers->m_Text = QStringLiteral("Outer");
-        keyOnAll(Qt::Key_F2);
-        m_Answers->m_Color = QColor(18, 52, 86);
-        trigger("Colour…");
-        QCOMPARE(backdrop(1).title, QStringLiteral("Outer"));
-        QCOMPARE(backdrop(1).color.toLower(), QStringLiteral("#123456"));
-        QVERIFY(backdrop(0).title != backdrop(1).title && backdrop(0).color != backdrop(1).color);
-        QVERIFY(m_Answers->m_Asked.constLast().startsWith(QLatin1String("line ")));
-        m_Answers->m_Text = QStringLiteral("two\nlines");
-        keyOnAll(Qt::Key_N);
-        QVERIFY(m_Answers->m_Asked.constLast().startsWith(QLatin1String("lines ")));
-        QVERIFY(backdrop(2).isNote);
-        QCOMPARE(backdrop(2).doc, QStringLiteral("two\nlines"));
     }
 
     void everythingUndone_isTheOriginalDocument()
@@ -469,12 +241,11 @@ private Q_SLOTS:
             "resources/Materials/Examples/StandardSurface/standard_surface_chess_set.mtlx"));
         if (!QFile::exists(chess))
             QSKIP("The folder of shared documents (ORV_SHARED_DATA) is not there.");
-        QDir(m_Folder.path()).mkdir(QStringLiteral("chess"));
+        QVERIFY(QDir(m_Folder->path()).mkdir(q("chess")));
         const QString file = write("chess/set.mtlx", contents(chess));
-        QVERIFY(QFile::link(shared.filePath(QStringLiteral("libraries")),
-            m_Folder.filePath(QStringLiteral("chess/libraries"))));
+        QVERIFY(QFile::link(shared.filePath(q("libraries")), path("chess/libraries")));
         m_Window->resize(1500, 1000);
-        QVERIFY(m_Window->openFile(file) && m_Window->showGraph(QStringLiteral("NG_BishopBlack")));
+        QVERIFY(m_Window->openFile(file) && m_Window->showGraph(q("NG_BishopBlack")));
         // The view scrolls while the real cursor is near its border and something is carried.
         QCursor::setPos(m_Window->view()->mapToGlobal(m_Window->view()->rect().center()));
         flush();
@@ -492,26 +263,128 @@ private Q_SLOTS:
             hand.atPort("roughness_output", "roughness_output"), hand.atPort("metallic2", "out"));
         done("Moved output roughness_output.roughness_output from roughness2.out to metallic2.out");
         select("mtlxnormalmap4");
-        key(Qt::Key_Delete);
+        key(q("Del"));
         done("Delete mtlxnormalmap4");
         QVERIFY(m_Window->save());
         QCOMPARE(contents(file), texts.constLast());
         for (int i = texts.size() - 1; i > 0; --i) {
             QCOMPARE(text(), texts.at(i));
-            key(Qt::Key_Z, Qt::ControlModifier);
+            key(q("Ctrl+Z"));
             flush();
         }
         QVERIFY(m_Window->isWindowModified() && m_Window->save());
         QCOMPARE(contents(file), contents(chess));
-        key(Qt::Key_F5);
-        QCOMPARE(scopePath(), QStringLiteral("NG_BishopBlack"));
+        key(q("F5"));
+        QCOMPARE(scopePath(), q("NG_BishopBlack"));
         QCOMPARE(text(), contents(chess));
     }
 
 private:
-    QString write(const char* name, const QByteArray& text)
+    void play(const QString& verb, const QString& rest)
     {
-        return writeFile(QDir(m_Folder.path()), QString::fromLatin1(name), text);
+        EditorScene* scene = m_Window->scene();
+        EditorView* view = m_Window->view();
+        EditorUser hand = user();
+        const QByteArray bytes = rest.toUtf8();
+        const char* name = bytes.constData();
+        const QStringList answers = q("Save Discard Cancel").split(q(" "));
+        const QMap<QString, std::function<void()>> verbs{
+            {q("select"), [&] { select(name); }},
+            {q("all"), [&] { scene->selectAll(); }},
+            {q("wrap"), [&] { scene->wrapSelection(); }},
+            {q("enter"), [&] { m_Window->showGraph(rest); }},
+            {q("key"), [&] { key(rest); }},
+            {q("hold"), [&] { QTest::keyPress(view, *name); }},
+            {q("let"), [&] { QTest::keyRelease(view, *name), QTest::qWait(150); }},
+            {q("double"), [&] { hand.doubleClick(hand.atHeader(name)); }},
+            {q("press"), [&] { hand.press(bytes.isEmpty() ? kGround : hand.atHeader(name)); }},
+            {q("release"), [&] { hand.release(kGround); }},
+            {q("edge"), [&] { view->pickUpEdge(hand.atPort("outer", "out")); }},
+            {q("menu"),
+                [&] {
+                    m_Window->menuBar()->actions().first()->menu()->popup({9, 9});
+                }},
+            {q("trigger"), [&] { trigger(name); }},
+            {q("dismiss"), [&] { bar()->setMessages(QString(), {}); }},
+            {q("zoom"), [&] { view->lookAt(QPointF(10, 10), rest.toDouble()); }},
+            {q("change"), [&] { change(); }},
+            {q("open"), [&] { m_Window->openFile(path(name)); }},
+            {q("drop"), [&] { drop(path(name)); }},
+            {q("save"), [&] { QVERIFY(m_Window->save()); }},
+            {q("close"), [&] { m_Window->close(); }},
+            {q("answer"), [&] { m_Answers->m_Unsaved = Answer(answers.indexOf(rest)); }},
+            {q("overwrite"), [&] { m_Answers->m_Overwrites = true; }},
+            {q("save-to"), [&] { m_Answers->m_SavePath = path(name); }},
+            {q("say"), [&] { m_Answers->m_Text = rest; }},
+            {q("paint"), [&] { m_Answers->m_Color = QColor(rest); }},
+            {q("write"), [&] { write(name, kTheirs); }},
+            {q("remove"), [&] { QFile::remove(path(name)); }},
+            {q("hide"), [&] { QDir(m_Folder->path()).rename(rest, q("hidden")); }},
+            {q("disk"), [&] { m_Told += disk(contents(path(name))); }},
+            {q("zoomed"), [&] { m_Told += QString::number(view->transform().m11()); }},
+            {q("grabbed"), [&] { m_Told += q(scene->mouseGrabberItem() ? "yes" : "no"); }},
+            {q("dialogs"), [&] { m_Told += QString::number(dialogs().size()); }},
+            {q("dots"), [&] { m_Told += q(isDotable() ? "some" : "none"); }},
+        };
+        if (verb == q("nodes")) {
+            for (const NetNode& node : scene->scope().nodes)
+                m_Told += node.name;
+        } else if (verb == q("backdrops")) {
+            for (const NetBackdrop& each : scene->scope().backdrops)
+                m_Told += (each.isNote ? each.doc : each.title) + each.color;
+        } else {
+            QVERIFY2(verbs.contains(verb), qPrintable(verb));
+            verbs.value(verb)();
+        }
+    }
+    /// What the window shows; and what was asked and looked up.
+    QString state() const
+    {
+        const QString title = m_Window->windowTitle().section(q(" \xE2\x80\x94 "), 0, 0);
+        QStringList parts{m_Window->isVisible()
+                ? QString(title).replace(q("[*]"), q(m_Window->isWindowModified() ? "*" : ""))
+                : q("closed")};
+        const QAction* undo = actionFor(QKeySequence(q("Ctrl+Z")));
+        if (undo->isEnabled() && m_Window->isVisible())
+            parts += undo->text();
+        if (bar()->isVisible())
+            parts += q("bar: ") + bar()->headline()
+                + q(bar()->details().contains(q("\n")) ? " ..." : "");
+        if (!m_Answers->m_Asked.isEmpty())
+            parts += q("asked: ") + m_Answers->m_Asked.join(q("/"));
+        if (!m_Told.isEmpty())
+            parts += q("told: ") + m_Told.join(q("/"));
+        return parts.join(q("; ")).remove(m_Folder->path() + q("/"));
+    }
+    QString disk(const QByteArray& bytes) const
+    {
+        return q(bytes == kGraphs ? "as read" : bytes == text() ? "as shown" : "changed");
+    }
+    bool isDotable() const
+    {
+        for (QGraphicsItem* item : m_Window->scene()->items()) {
+            if (item->isVisible() && dynamic_cast<OrvNgDotableMarkerItem*>(item))
+                return true;
+        }
+        return false;
+    }
+    QList<EditorPreferencesDialog*> dialogs() const
+    {
+        return m_Window->findChildren<EditorPreferencesDialog*>();
+    }
+    void drop(const QString& file)
+    {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(file)});
+        QDragEnterEvent enter(kGround, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_Window.get(), &enter);
+        QDropEvent event(kGround, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_Window.get(), &event);
+    }
+    QString path(const char* name) const { return m_Folder->filePath(q(name)); }
+    QString write(const char* name, const QByteArray& text) const
+    {
+        return writeFile(QDir(m_Folder->path()), q(name), text);
     }
     void select(const char* name)
     {
@@ -524,18 +397,15 @@ private:
         const std::shared_ptr<NetEditor> editor = m_Window->navigator()->editor();
         QVERIFY(EditorCommand::push(editor,
             editor->moveNodes(0, {{user().index("user"), QPointF(123.5, -7)}}),
-            QStringLiteral("Move this & that")));
-        QVERIFY(m_Window->isWindowModified());
+            q("Move this & that")));
     }
     QByteArray text() const { return m_Window->navigator()->editor()->text(); }
     EditorMessageBar* bar() const { return m_Window->findChild<EditorMessageBar*>(); }
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    void key(const QString& text)
     {
-        QTest::keyClick(m_Window.get(), key, modifiers);
-    }
-    void openPreferences()
-    {
-        actionFor(QKeySequence(int(Qt::CTRL) | int(Qt::Key_Comma)))->trigger();
+        const int key = QKeySequence(text)[0];
+        QTest::keyClick(m_Window.get(), Qt::Key(key & ~int(Qt::KeyboardModifierMask)),
+            Qt::KeyboardModifiers(key & int(Qt::KeyboardModifierMask)));
     }
     void trigger(const char* action) { actionNamed(*m_Window, action)->trigger(); }
     QAction* actionFor(const QKeySequence& key) const
@@ -549,7 +419,7 @@ private:
     static QAction* actionNamed(const EditorWindow& window, const char* text)
     {
         for (QAction* action : window.findChildren<QAction*>()) {
-            if (action->text().remove(QLatin1Char('&')) == QString::fromUtf8(text))
+            if (action->text().remove(QLatin1Char('&')) == q(text))
                 return action;
         }
         return nullptr;
@@ -557,10 +427,10 @@ private:
     EditorUser user() const { return EditorUser(m_Window->view()); }
     QString scopePath() const { return m_Window->scene()->scope().path; }
 
-    QTemporaryDir m_Folder;
-    QString m_Graphs;
+    std::unique_ptr<QTemporaryDir> m_Folder;
     std::unique_ptr<EditorWindow> m_Window;
     Answers* m_Answers = nullptr; ///< the window's
+    QStringList m_Told; ///< what a session looked up
 };
 
 QTEST_MAIN(tst_EditorWindow)
