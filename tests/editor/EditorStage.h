@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/EditorBackdrops.h"
+#include "editor/EditorNodeFactory.h"
 #include "editor/EditorTesting.h"
 #include "editor/EditorUser.h"
 
@@ -88,26 +89,27 @@ struct Stage : EditorUser
         }
         return -1;
     }
-    static bool isNear(const QPointF& a, const QPointF& b)
-    {
-        return (a - b).manhattanLength() < 1e-3;
-    }
+    bool isTrue() const { return lie().isEmpty(); }
+    QString lie() const { return lieOf(*m_Scene); }
     /// What the screen shows of connections, places, backdrops and notes otherwise than the model; empty for
     /// nothing.
-    QString lie() const
+    static QString lieOf(const EditorScene& scene)
     {
-        const NetScope& scope = m_Scene->scope();
-        if (m_Scene->connectionCount() != scope.connections.size())
-            return QStringLiteral("%1 connections").arg(m_Scene->connectionCount());
+        const NetScope& scope = scene.scope();
+        if (scene.connectionCount() != scope.connections.size())
+            return QStringLiteral("%1 connections").arg(scene.connectionCount());
         for (const NetConnection& each : scope.connections) {
-            const OrvNgEdge* edge = m_Scene->edgeOf({each.destNode, each.destPort});
-            if (!edge || edge->sourceNode() != m_Scene->node(each.sourceNode))
+            const OrvNgEdge* edge = scene.edgeOf({each.destNode, each.destPort});
+            if (!edge || edge->sourceNode() != scene.node(each.sourceNode)
+                || edge->sourceOutputPoint()
+                    != EditorNodeFactory::outputName(
+                        scope.nodes.at(each.sourceNode), each.sourcePort))
                 return QStringLiteral("source of %1.%2").arg(each.destNode).arg(each.destPort);
         }
         for (int i = 0; i < scope.nodes.size(); ++i) {
-            const OrvNgNode* item = m_Scene->node(i);
+            const OrvNgNode* item = scene.node(i);
             const QPointF apart = item && scope.nodes.at(i).hasPosition
-                ? m_Scene->filePosition(i) - scope.nodes.at(i).position
+                ? scene.filePosition(i) - scope.nodes.at(i).position
                 : QPointF();
             if ((item != nullptr) == scope.nodes.at(i).removed || !(apart.manhattanLength() < 1e-6))
                 return QStringLiteral("node %1, off by %2, %3")
@@ -116,25 +118,28 @@ struct Stage : EditorUser
                     .arg(apart.y());
         }
         for (int i = 0; i < scope.backdrops.size(); ++i) {
-            if (!isTrueOfBackdrop(i))
+            if (!isTrueOfBackdrop(scene, i))
                 return QStringLiteral("backdrop %1").arg(i);
         }
         return {};
     }
-    bool isTrueOfBackdrop(int index) const
+
+private:
+    static bool isTrueOfBackdrop(const EditorScene& scene, int index)
     {
-        const NetBackdrop& model = m_Scene->scope().backdrops.at(index);
-        OrvNgNode* item = m_Scene->backdrops().item(index);
+        const NetBackdrop& model = scene.scope().backdrops.at(index);
+        OrvNgNode* item = scene.backdrops().item(index);
         if (!item)
             return model.removed;
-        const QRectF rect = NetPlacement::toScene(model.rect, m_Scene->unit());
+        const auto isNear
+            = [](const QPointF& a, const QPointF& b) { return (a - b).manhattanLength() < 1e-3; };
+        const QRectF rect = NetPlacement::toScene(model.rect, scene.unit());
         const QSizeF size = rect.size().expandedTo(leastSizeOf(item, model.isNote));
         return !model.removed && isNear(item->pos(), rect.topLeft())
             && isNear(item->boundingRect().bottomRight(), {size.width(), size.height()})
             && item->text() == (model.isNote ? model.doc : model.title)
             && item->nodeUniColour().color() == EditorBackdrops::colorOf(model);
     }
-    bool isTrue() const { return lie().isEmpty(); }
     /// Of a note, what its text needs.
     static QSizeF leastSizeOf(const QGraphicsItem* item, bool isNote)
     {

@@ -98,11 +98,4 @@ inline QStringList allDocuments()
     return files;
 }
 
-inline void addDocumentRows()
-{
-    QTest::addColumn<QString>("file");
-    for (const QString& file : allDocuments())
-        QTest::newRow(qPrintable(QFileInfo(file).fileName())) << file;
-}
-
 } // namespace EditorTesting

@@ -11,6 +11,7 @@
 #include <pugixml.hpp>
 
 #include <OrvNodeGraph/OrvNgStyle.h>
+#include <cmath>
 #include <functional>
 
 using namespace EditorTesting;
@@ -184,7 +185,7 @@ QString changes(const QByteArray& before, const QByteArray& after)
 
 } // namespace
 
-/// What a user does with the mouse, end to end: one undo step each, and the document follows.
+/// What a scene shows, and what a user does with it, end to end: one undo step each, and the document follows.
 class tst_EditorEdits : public QObject
 {
     Q_OBJECT
@@ -245,6 +246,58 @@ private Q_SLOTS:
         QCOMPARE(read("7, -1, 0"), QColor(Qt::red));
         for (const char* bad : {"1, 1", "1, nan, 1", "red", "#12", ""})
             QVERIFY2(!read(bad).isValid(), bad);
+    }
+
+    void ports_haveNamesAndFolders()
+    {
+        EditorScene scene(std::make_shared<NetEditor>(
+                              NetReader(NetSearchPath()).read(testPath("small.mtlx")).document),
+            0);
+        auto* second = dynamic_cast<OrvNgExtendedNode*>(scene.node(1));
+        QCOMPARE(second->text(), QStringLiteral("second"));
+        QCOMPARE(second->category(), QStringLiteral("Math"));
+        QCOMPARE(second->inputPort(QStringLiteral("in"))->text(), QStringLiteral("Colour"));
+        // Two inputs share their name for people: the folder tells which is which.
+        QCOMPARE(second->inputPort(QStringLiteral("coat"))->text(), QStringLiteral("Coat weight"));
+        QVERIFY(second->isInputPortVisible(QStringLiteral("in")));
+
+        const QString broken = second->inputPort(QStringLiteral("weight"))->text();
+        QVERIFY2(broken.contains(QStringLiteral("nobody")), qPrintable(broken));
+
+        const QStringList clusters = second->clusteredInputPorts();
+        QCOMPARE(clusters.size(), 1);
+        QCOMPARE(second->inputClusterPortName2ClusterList(clusters.constFirst()),
+            QStringList({QStringLiteral("in"), QStringLiteral("weight")}));
+        scene.setPortListMode({second}, EditorScene::Mode::PORT_LIST_GROUPED);
+        QVERIFY(second->isInputPortVisible(clusters.constFirst()));
+        QVERIFY(!second->isInputPortVisible(QStringLiteral("in")));
+        QVERIFY(second->isInputPortVisible(QStringLiteral("Base")));
+    }
+
+    void portColors_canBeToldApart()
+    {
+        const QStringList types = QStringLiteral(
+            "float color3 vector3 vector2 integer boolean string filename surfaceshader BSDF "
+            "material color4 matrix44")
+                                      .split(QLatin1Char(' '));
+        const auto apart = [](const QColor& a, const QColor& b) {
+            return std::hypot(a.red() - b.red(), a.green() - b.green(), a.blue() - b.blue());
+        };
+        const auto color = &EditorPortColors::color;
+        for (const QString& type : types) {
+            QVERIFY2(apart(color(type, true), color(type, false)) >= 50, qPrintable(type));
+            for (const bool isConnected : {false, true}) {
+                const QColor own = color(type, isConnected);
+                QVERIFY2(apart(own, QColor(64, 64, 64)) >= 60, qPrintable(type)); // of the body
+                for (const QString& other : types)
+                    QVERIFY2(type == other
+                            || apart(own, color(other, isConnected)) >= (isConnected ? 50 : 30),
+                        qPrintable(type + other));
+            }
+        }
+        // Two that were worked out by hand.
+        QCOMPARE(color(types.first(), true).name(), QStringLiteral("#6aa7f4"));
+        QCOMPARE(color(types.first(), false).name(), QStringLiteral("#4e75a6"));
     }
 
 private:

@@ -51,6 +51,10 @@ public:
     {
         m_Dice.trace = [this](const QString& text) { note(text); };
         m_Texts.insert(0, m_Editor->text());
+        for (int i = 0; i < m_Editor->document().scopes().size(); ++i) {
+            const QString lie = Stage::lieOf(EditorScene(m_Editor, i));
+            require(lie.isEmpty(), QStringLiteral("scope %1 lies: %2").arg(i).arg(lie));
+        }
     }
 
     void edit(int steps)
