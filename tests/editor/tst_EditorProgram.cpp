@@ -1,4 +1,5 @@
 #include "editor/EditorTesting.h"
+#include "support/TestRows.h"
 
 #include <QImage>
 #include <QProcess>
@@ -15,68 +16,55 @@ class tst_EditorProgram : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void badLine_failsWithAReason()
+    void initTestCase()
     {
-        const QString sample = samplePath("garden_wall.mtlx");
-        const auto fails = [&](const QStringList& more, const char* file, const char* reason) {
-            const Outcome end
-                = run(QStringList{QStringLiteral("--screenshot"), path(file), sample} + more);
-            return end.code == 2 && end.errors.contains(QLatin1String(reason));
-        };
-        const QStringList attic{QStringLiteral("--graph"), QStringLiteral("attic")};
-        QVERIFY(fails(attic, "never.png", "NG_wall_soil, courses, clay, mortar, moss"));
-        QVERIFY(!QFile::exists(path("never.png")));
-        QVERIFY(fails({}, "no/such/folder.png", "folder.png"));
-    }
-
-    void badFile_failsWithFileAndLine()
-    {
-        const QString shot = path("bad.png");
-        const auto complains = [&](const QStringList& words, const char* text, const char* place) {
-            const QString bad = writeFile(QDir(m_Folder.path()), QStringLiteral("bad.mtlx"), text);
-            const Outcome outcome = run(words + QStringList(bad));
-            return outcome.code == 2 && outcome.errors.contains(QLatin1String(place));
-        };
-        const char* const torn = "<materialx>\n\n<add>\n</materialx>";
-        QVERIFY(complains({}, torn, "bad.mtlx:4: "));
-        QVERIFY(complains({QStringLiteral("--measure")}, torn, "bad.mtlx:4: "));
-        QVERIFY(complains({QStringLiteral("--screenshot"), shot}, torn, "bad.mtlx:4: "));
-        QVERIFY(!QFile::exists(shot));
-        QVERIFY(complains({QStringLiteral("--screenshot"), shot},
+        const QDir folder(m_Folder.path());
+        writeFile(folder, QStringLiteral("torn.mtlx"), "<materialx>\n\n<add>\n</materialx>");
+        writeFile(folder, QStringLiteral("odd.mtlx"),
             "<materialx>\n<odd name='a' type='float'>\n"
-            "<input name='in' type='float' nodename='gone'/></odd></materialx>",
-            "bad.mtlx:3: "));
-        QVERIFY(!QImage(shot).isNull());
+            "<input name='in' type='float' nodename='gone'/></odd></materialx>");
     }
 
-    void screenshot_hasTheAskedSizeAndShowsNodes()
+    void line_endsAsItShould_data()
     {
-        const QString shot = path("shot.png");
-        QStringList arguments = QStringLiteral("--graph clay --zoom 100 --size 700x500 --mode 4")
-                                    .split(QLatin1Char(' '));
-        arguments += {QStringLiteral("--screenshot"), shot, samplePath("garden_wall.mtlx")};
-        const Outcome outcome = run(arguments);
-        QVERIFY2(outcome.code == 0, qPrintable(outcome.errors));
-        const QImage image(shot);
-        QCOMPARE(image.size(), QSize(700, 500));
+        addTestRows(
+            ORV_TEST_DATA "/editor/program.txt", "lines", {"line", "code", "error", "size"});
+    }
+
+    void line_endsAsItShould()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QByteArray, error);
+        QFETCH(QByteArray, size);
+        QFile::remove(path("out.png"));
+        run(QString::fromUtf8(line));
+        QTEST(QByteArray::number(m_Code), "code");
+        QVERIFY2(m_Errors.contains(error), m_Errors.constData());
+        QVERIFY(line != "bare $patina" || m_Errors.count('\n') == 1); // no stack of complaints
+        QVERIFY(!QFile::exists(m_Settings)); // pictures and failures leave none
+        const QImage image(path("out.png"));
+        QCOMPARE(QFile::exists(path("out.png")), !size.isEmpty());
+        if (size.isEmpty())
+            return;
+        QCOMPARE(
+            QByteArray::number(image.width()) + 'x' + QByteArray::number(image.height()), size);
         // Headers and ports are the only saturated colours of the dark window.
         int colourful = 0;
-        for (int i = 0; i < 700 * 500; ++i)
-            colourful += image.pixelColor(i % 700, i / 700).saturation() > 100 ? 1 : 0;
+        for (int i = 0; i < image.width() * image.height(); ++i)
+            colourful += image.pixelColor(i % image.width(), i / image.width()).saturation() > 100;
         QVERIFY2(colourful > 40, qPrintable(QString::number(colourful)));
     }
 
     void measurement_printsFrameTimesAndKeepsTheDocument()
     {
-        const QString copy = path("wall.mtlx");
-        QVERIFY(QFile::copy(samplePath("garden_wall.mtlx"), copy));
-        const QStringList words
-            = QStringLiteral("--measure --graph clay --size 700x500").split(QLatin1Char(' '));
-        const Outcome outcome = run(words + QStringList(copy));
-        QVERIFY2(outcome.code == 0, qPrintable(outcome.errors)); // 2 if a change were left behind
-        QVERIFY(QFile(copy).size() == QFile(samplePath("garden_wall.mtlx")).size());
-        QVERIFY(outcome.output.startsWith(QStringLiteral("wall.mtlx: ")));
-        const QStringList lines = outcome.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        const QString sample = samplePath("garden_wall.mtlx");
+        QVERIFY(QFile::copy(sample, path("wall.mtlx")));
+        run(QStringLiteral("--measure --graph clay --size 700x500 wall.mtlx"));
+        QVERIFY2(m_Code == 0, m_Errors.constData()); // 2 if a change were left behind
+        QVERIFY(QFile(path("wall.mtlx")).size() == QFile(sample).size());
+        QVERIFY(m_Output.startsWith("wall.mtlx: "));
+        const QStringList lines
+            = QString::fromUtf8(m_Output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), 9); // two about the circumstances, the columns, six gestures
         for (const QString& line : lines.mid(3)) {
             QVector<double> cells;
@@ -88,71 +76,46 @@ private Q_SLOTS:
         }
     }
 
-    void withoutDisplay_saysHowToGoOn()
+    void window_keepsSettings()
     {
-        const QString sample = samplePath("copper_patina.mtlx");
-        const Outcome refused = run({sample}, false);
-        QCOMPARE(refused.code, 2);
-        QCOMPARE(refused.errors.count(QLatin1Char('\n')), 1);
-        QVERIFY(refused.errors.contains(QStringLiteral("--screenshot")));
-        QCOMPARE(run({QStringLiteral("--screenshot"), path("bare.png"), sample}, false).code, 0);
-        QVERIFY(!QImage(path("bare.png")).isNull());
-    }
-
-    void window_keepsSettings_pictureDoesNot()
-    {
-        const QString sample = samplePath("copper_patina.mtlx");
-        const QString settings = path("config/Orv/orv-shader-editor.conf");
-        QVERIFY(!QFile::exists(settings)); // after all those pictures
-        QProcess program;
-        program.setProcessEnvironment(environment());
-        program.start(QStringLiteral(ORV_EDITOR_PROGRAM), {sample});
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings), 20000);
-        program.kill();
-        program.waitForFinished();
-
-        QVERIFY(QFile::remove(settings));
-        QCOMPARE(run({QStringLiteral("--screenshot"), path("again.png"), sample}).code, 0);
-        QVERIFY(!QFile::exists(settings));
+        start(QStringLiteral("$patina"));
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_Settings), 20000);
+        m_Program.kill();
+        m_Program.waitForFinished();
     }
 
 private:
-    struct Outcome
-    {
-        int code = -1;
-        QString errors;
-        QString output;
-    };
-    /// The user's own settings stay out of it.
-    QProcessEnvironment environment() const
+    void start(QString line)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
-        return environment;
-    }
-
-    Outcome run(const QStringList& arguments, bool hasDisplay = true) const
-    {
-        QProcessEnvironment environment = this->environment();
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-            if (!hasDisplay)
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config")); // not the user's own
+        if (line.startsWith(QLatin1String("bare "))) {
+            line.remove(0, 5);
+            for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
                 environment.remove(QString::fromLatin1(name));
         }
-        QProcess program;
-        program.setProcessEnvironment(environment);
-        program.start(QStringLiteral(ORV_EDITOR_PROGRAM), arguments);
-        if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {program.exitCode(), QString::fromLocal8Bit(program.readAllStandardError()),
-            QString::fromLocal8Bit(program.readAllStandardOutput())};
+        line.replace(QLatin1String("$wall"), samplePath("garden_wall.mtlx"));
+        line.replace(QLatin1String("$patina"), samplePath("copper_patina.mtlx"));
+        m_Program.setWorkingDirectory(m_Folder.path());
+        m_Program.setProcessEnvironment(environment);
+        m_Program.start(QStringLiteral(ORV_EDITOR_PROGRAM), line.split(QLatin1Char(' ')));
     }
-
-    QString path(const char* name) const
+    void run(const QString& line)
     {
-        return QDir(m_Folder.path()).filePath(QString::fromLatin1(name));
+        start(line);
+        QVERIFY(m_Program.waitForFinished(60000) && m_Program.exitStatus() == QProcess::NormalExit);
+        m_Code = m_Program.exitCode();
+        m_Errors = m_Program.readAllStandardError();
+        m_Output = m_Program.readAllStandardOutput();
     }
+    QString path(const char* name) const { return m_Folder.filePath(QString::fromLatin1(name)); }
 
     QTemporaryDir m_Folder;
+    const QString m_Settings = path("config/Orv/orv-shader-editor.conf");
+    QProcess m_Program;
+    int m_Code = -1;
+    QByteArray m_Errors;
+    QByteArray m_Output;
 };
 
 QTEST_GUILESS_MAIN(tst_EditorProgram)
