@@ -10,7 +10,7 @@
 #include <QColorDialog>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPointF>
+#include <QPoint>
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
@@ -25,32 +25,33 @@ using EditorPropertyValue::isSame;
 
 namespace {
 
-/// An object with preferences of all kinds, that is not the style.
+const ColorPair kSky{QColor(10, 20, 30), QColor(40, 50, 60)};
+
+/// An object with preferences of all kinds, that is not the style. Most are properties without declaration.
 class Sample : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(int steps READ steps WRITE setSteps RESET resetSteps NOTIFY stepsChanged)
-    Q_PROPERTY(double depth MEMBER m_Depth)
     Q_PROPERTY(bool loud MEMBER m_Loud)
-    Q_PROPERTY(QString place MEMBER m_Place)
-    Q_PROPERTY(QPoint corner MEMBER m_Corner)
-    Q_PROPERTY(QPointF middle MEMBER m_Middle)
-    Q_PROPERTY(QColor ink MEMBER m_Ink)
-    Q_PROPERTY(OrvColor paper MEMBER m_Paper)
-    Q_PROPERTY(QPair<QColor, QColor> sky MEMBER m_Sky)
     Q_PROPERTY(int fixed MEMBER m_Fixed CONSTANT)
 
 public:
     Sample()
     {
+        setProperty("depth", 1.0 / 3.0);
+        setProperty("place", QStringLiteral("here"));
+        setProperty("corner", QPoint(1, 2));
         setProperty("late", 4);
-        const auto add = [this](const char* category, const char* names) {
-            for (const QString& name : QString::fromLatin1(names).split(QLatin1Char(' ')))
-                OrvPreferenceManager::instance().registerPreference(
-                    QStringLiteral("Sample"), QString::fromLatin1(category), this, name);
-        };
-        add("Rest", "steps depth loud place corner middle fixed late");
-        add("Colors", "ink paper sky");
+        setProperty("ink", QColor(1, 2, 3));
+        setProperty("paper", QVariant::fromValue(OrvColor(0.1F, 0.2F, 0.3F))); // finer than 8 bits
+        setProperty("sky", QVariant::fromValue(kSky));
+        for (const char* name :
+            {"steps", "depth", "loud", "place", "corner", "fixed", "late", "ink", "paper", "sky"}) {
+            const bool isColor = QByteArrayLiteral("ink paper sky").contains(name);
+            OrvPreferenceManager::instance().registerPreference(QStringLiteral("Sample"),
+                isColor ? QStringLiteral("Colors") : QStringLiteral("Rest"), this,
+                QLatin1String(name));
+        }
     }
     int steps() const { return m_Steps; }
     /// Odd numbers are not taken.
@@ -65,45 +66,46 @@ public:
 
     int m_Steps = 2;
     int m_Fixed = 5;
-    double m_Depth = 1.0 / 3.0;
     bool m_Loud = false;
-    QString m_Place = QStringLiteral("here");
-    QPoint m_Corner{1, 2};
-    QPointF m_Middle{3.5, 4.5};
-    QColor m_Ink{1, 2, 3};
-    OrvColor m_Paper{0.1F, 0.2F, 0.3F, 1.0F}; // finer than eight bits
-    ColorPair m_Sky{QColor(10, 20, 30), QColor(40, 50, 60)};
 
 Q_SIGNALS:
     void stepsChanged();
 };
 
-EditorPreferenceRow* rowOf(const QDialog& dialog, const char* property)
+/// Shown, and active, so that fields get and lose the focus.
+struct Dialog : EditorPreferencesDialog
 {
-    return dialog.findChild<EditorPreferenceRow*>(QString::fromLatin1(property));
-}
-
-/// The field-th text field of a row, spin boxes' ones counted.
-QLineEdit* fieldOf(const QDialog& dialog, const char* property, int field = 0)
-{
-    return rowOf(dialog, property)->findChildren<QLineEdit*>().value(field);
-}
-
-/// Replaces the field's text; a new line at the end is the Enter key.
-void type(QLineEdit* field, QString text)
-{
-    const bool hasEnter = text.endsWith(QLatin1Char('\n'));
-    field->setFocus();
-    field->selectAll();
-    QTest::keyClicks(field, text.remove(QLatin1Char('\n')));
-    if (hasEnter)
-        QTest::keyClick(field, Qt::Key_Enter);
-}
-
-QToolButton* resetOf(const QDialog& dialog, const char* property)
-{
-    return rowOf(dialog, property)->findChild<QToolButton*>(QString(), Qt::FindDirectChildrenOnly);
-}
+    Dialog()
+    {
+        show();
+        if (!QTest::qWaitForWindowActive(this))
+            qFatal("the dialog is not active");
+    }
+    EditorPreferenceRow* row(const char* property) const
+    {
+        return findChild<EditorPreferenceRow*>(QString::fromLatin1(property));
+    }
+    /// The index-th text field of a row, spin boxes' ones counted.
+    QLineEdit* field(const char* property, int index = 0) const
+    {
+        return row(property)->findChildren<QLineEdit*>().value(index);
+    }
+    QToolButton* reset(const char* property) const
+    {
+        return row(property)->findChild<QToolButton*>(QString(), Qt::FindDirectChildrenOnly);
+    }
+    /// Replaces a field's text; a new line at the end is the Enter key.
+    void type(const char* property, QString text, int index = 0) const
+    {
+        QLineEdit* target = field(property, index);
+        const bool hasEnter = text.endsWith(QLatin1Char('\n'));
+        target->setFocus();
+        target->selectAll();
+        QTest::keyClicks(target, text.remove(QLatin1Char('\n')));
+        if (hasEnter)
+            QTest::keyClick(target, Qt::Key_Enter);
+    }
+};
 
 } // namespace
 
@@ -119,90 +121,71 @@ private Q_SLOTS:
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Folder.path());
     }
 
-    void input_reachesTheObject_andCancelPutsItBack_data()
+    void input_isTakenOrRefused_andCancelPutsItBack_data()
     {
-        const TestTable<QByteArray, int, QString, QVariant> row("name", "field", "keys", "wanted");
-        row("whole number", "steps", 0, "14\n", QVariant(14));
-        row("double, of which more is kept than shown", "depth", 0, "2.5\n", QVariant(2.5));
-        row("switch", "loud", -1, " ", QVariant(true));
-        row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)));
-        row("colour with opacity", "paper", 0, "#ff800033\n",
-            QVariant::fromValue(OrvColor(QColor(255, 128, 0, 51))));
-        row("end of a gradient", "sky", 1, "#ffffff\n",
-            QVariant::fromValue(ColorPair(QColor(10, 20, 30), QColor(255, 255, 255))));
-        row("property without declaration", "late", 0, "9\n", QVariant(9));
-        row("finished by Cancel alone", "paper", 0, "#ff8000", QVariant());
+        const TestTable<QByteArray, int, QString, QVariant, QString> row(
+            "name", "field", "keys", "wanted", "message");
+        const auto color = QVariant::fromValue(OrvColor(QColor(255, 128, 0, 51)));
+        const auto gradient = QVariant::fromValue(ColorPair(kSky.first, Qt::white));
+        row("whole number", "steps", 0, "14\n", QVariant(14), "");
+        row("double, of which more is kept than shown", "depth", 0, "2.5\n", QVariant(2.5), "");
+        row("switch", "loud", -1, " ", QVariant(true), "");
+        row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)), "");
+        row("colour with opacity", "paper", 0, "#ff800033\n", color, "");
+        row("end of a gradient", "sky", 1, "#ffffff\n", gradient, "");
+        row("finished by Cancel alone", "paper", 0, "#ff8000", QVariant(), "");
+        row("no colour", "paper", 0, "zzz", QVariant(), "zzz");
+        row("five digits", "ink", 0, "#12345", QVariant(), "#12345");
+        row("nothing", "ink", 0, " ", QVariant(), "colour");
+        row("not taken by the object", "steps", 0, "7", QVariant(), "7");
     }
 
-    void input_reachesTheObject_andCancelPutsItBack()
+    void input_isTakenOrRefused_andCancelPutsItBack()
     {
         QFETCH(QByteArray, name);
         QFETCH(int, field);
         QFETCH(QString, keys);
         QFETCH(QVariant, wanted);
+        QFETCH(QString, message);
         const char* property = name.constData();
         Sample sample;
         const QVariant before = sample.property(property);
-        EditorPreferencesDialog dialog;
-        show(&dialog);
-
-        if (field < 0)
-            QTest::keyClicks(rowOf(dialog, property)->findChild<QCheckBox*>(), keys);
-        else
-            type(fieldOf(dialog, property, field), keys);
-        QVERIFY(dialog.isVisible()); // Enter takes the input and no more
+        Dialog dialog;
+        if (field < 0) {
+            QTest::keyClicks(dialog.row(property)->findChild<QCheckBox*>(), keys);
+        } else {
+            const QString shown = dialog.field(property, field)->text();
+            dialog.type(property, keys, field);
+            if (!message.isEmpty()) {
+                dialog.accept();
+                QVERIFY2(dialog.message().contains(message), qPrintable(dialog.message()));
+                QCOMPARE(dialog.field(property)->text(), shown);
+            }
+        }
+        QVERIFY(dialog.isVisible()); // Enter takes the input and no more, and a message can be read
         QVERIFY(isSame(sample.property(property), wanted.isValid() ? wanted : before));
+        if (!message.isEmpty())
+            dialog.type("place", QStringLiteral("elsewhere\n"));
+        QCOMPARE(dialog.message(), QString());
         QTest::keyClick(&dialog, Qt::Key_Escape);
         QVERIFY(!dialog.isVisible());
         QVERIFY2(isSame(sample.property(property), before), qPrintable(dialog.message()));
     }
 
-    void wrongInput_keepsTheOldValue_data()
-    {
-        const TestTable<QByteArray, QString, QString> row("name", "text", "named");
-        row("no colour", "paper", "zzz", "zzz");
-        row("five digits", "ink", "#12345", "#12345");
-        row("nothing", "ink", " ", "colour");
-        row("not taken by the object", "steps", "7", "7");
-    }
-
-    void wrongInput_keepsTheOldValue()
-    {
-        QFETCH(QByteArray, name);
-        QFETCH(QString, text);
-        QFETCH(QString, named);
-        Sample sample;
-        const QVariant before = sample.property(name.constData());
-        EditorPreferencesDialog dialog;
-        show(&dialog);
-        QLineEdit* field = fieldOf(dialog, name.constData());
-        const QString shown = field->text();
-
-        type(field, text);
-        dialog.accept();
-        QVERIFY(dialog.isVisible()); // so that the message can be read
-        QVERIFY2(dialog.message().contains(named), qPrintable(dialog.message()));
-        QCOMPARE(field->text(), shown);
-        QVERIFY(isSame(sample.property(name.constData()), before));
-        type(fieldOf(dialog, "place"), QStringLiteral("elsewhere\n"));
-        QCOMPARE(dialog.message(), QString());
-    }
-
     void colorDialog_isFollowed_untilItIsCancelled()
     {
         Sample sample;
-        EditorPreferencesDialog dialog;
-        show(&dialog);
-        const QLineEdit* field = fieldOf(dialog, "ink"); // before the colour dialog brings its own
-        rowOf(dialog, "ink")->findChild<EditorColorButton*>()->click();
+        Dialog dialog;
+        const QLineEdit* field = dialog.field("ink"); // before the colour dialog brings its own
+        dialog.row("ink")->findChild<EditorColorButton*>()->click();
         auto* colors = dialog.findChild<QColorDialog*>();
         QVERIFY(colors);
         QVERIFY(colors->testOption(QColorDialog::ShowAlphaChannel));
         colors->setCurrentColor(QColor(9, 8, 7, 6));
-        QCOMPARE(sample.m_Ink, QColor(9, 8, 7, 6));
+        QCOMPARE(sample.property("ink"), QVariant(QColor(9, 8, 7, 6)));
         QCOMPARE(field->text(), QStringLiteral("#09080706"));
         colors->reject();
-        QCOMPARE(sample.m_Ink, QColor(1, 2, 3));
+        QCOMPARE(sample.property("ink"), QVariant(QColor(1, 2, 3)));
     }
 
     void reset_givesDefaultsOfWhatIsListed()
@@ -210,22 +193,21 @@ private Q_SLOTS:
         Sample sample;
         Sample other;
         QSignalSpy changes(&sample, &Sample::stepsChanged);
-        EditorPreferencesDialog dialog;
-        show(&dialog);
+        Dialog dialog;
         QCOMPARE(sample.steps(), 2); // finding the default leaves no trace
         QCOMPARE(changes.count(), 0);
-        QVERIFY(!resetOf(dialog, "steps")->isHidden());
-        QVERIFY(resetOf(dialog, "depth")->isHidden()); // no default is known
-        QVERIFY(rowOf(dialog, "fixed")->findChildren<QLineEdit*>().isEmpty());
+        QVERIFY(!dialog.reset("steps")->isHidden());
+        QVERIFY(dialog.reset("depth")->isHidden()); // no default is known
+        QVERIFY(dialog.row("fixed")->findChildren<QLineEdit*>().isEmpty());
 
-        resetOf(dialog, "steps")->click();
+        dialog.reset("steps")->click();
         QCOMPARE(sample.steps(), 8);
-        QVERIFY(resetOf(dialog, "steps")->isHidden());
-        QCOMPARE(fieldOf(dialog, "steps")->text(), QStringLiteral("8"));
+        QVERIFY(dialog.reset("steps")->isHidden());
+        QCOMPARE(dialog.field("steps")->text(), QStringLiteral("8"));
         auto* search = dialog.findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
         search->setText(QStringLiteral("COLORS sky"));
-        QVERIFY(!rowOf(dialog, "sky")->isHidden());
-        QVERIFY(rowOf(dialog, "ink")->isHidden());
+        QVERIFY(!dialog.row("sky")->isHidden());
+        QVERIFY(dialog.row("ink")->isHidden());
         dialog.resetPage();
         QCOMPARE(other.steps(), 2); // it was not listed
         search->clear();
@@ -238,12 +220,11 @@ private Q_SLOTS:
     void changesElsewhere_areShown_andSurviveCancel()
     {
         Sample sample;
-        EditorPreferencesDialog dialog;
-        show(&dialog);
+        Dialog dialog;
         sample.setSteps(30);
         sample.setProperty("late", 31);
-        QCOMPARE(fieldOf(dialog, "steps")->text(), QStringLiteral("30"));
-        type(fieldOf(dialog, "late"), QStringLiteral("32\n"));
+        QCOMPARE(dialog.field("steps")->text(), QStringLiteral("30"));
+        dialog.type("late", QStringLiteral("32\n"));
         dialog.reject();
         QCOMPARE(sample.steps(), 30); // never edited here
         QCOMPARE(sample.property("late").toInt(), 31);
@@ -253,27 +234,25 @@ private Q_SLOTS:
     {
         OrvNgStyle::instance(); // a page that stays
         auto sample = std::make_unique<Sample>();
-        EditorPreferencesDialog dialog;
-        show(&dialog);
+        Dialog dialog;
         const auto* pages = dialog.findChild<QListWidget*>();
         QCOMPARE(pages->count(), 2);
-        type(fieldOf(dialog, "ink"), QStringLiteral("blue")); // not finished
+        dialog.type("ink", QStringLiteral("blue")); // not finished
         sample.reset();
         QCOMPARE(pages->count(), 1);
         QCOMPARE(pages->item(0)->text(), QStringLiteral("Node Graph"));
-        QVERIFY(!rowOf(dialog, "ink"));
+        QVERIFY(!dialog.row("ink"));
 
         Sample late;
-        type(fieldOf(dialog, "place"), QStringLiteral("new\n"));
-        QCOMPARE(late.m_Place, QStringLiteral("new"));
+        dialog.type("place", QStringLiteral("new\n"));
+        QCOMPARE(late.property("place").toString(), QStringLiteral("new"));
     }
 
     void ok_keepsTheStyleForTheNextStart()
     {
-        EditorPreferencesDialog dialog;
-        show(&dialog);
-        type(fieldOf(dialog, "MathNodeColor"), QStringLiteral("#12345678"));
-        type(fieldOf(dialog, "GridLinesWidth"), QStringLiteral("5\n"));
+        Dialog dialog;
+        dialog.type("MathNodeColor", QStringLiteral("#12345678"));
+        dialog.type("GridLinesWidth", QStringLiteral("5\n"));
         dialog.accept();
         const OrvNgStyle next;
         const auto gradient = next.property("MathNodeBrush").value<QLinearGradient>();
@@ -282,13 +261,6 @@ private Q_SLOTS:
     }
 
 private:
-    /// Active, so that fields get and lose the focus.
-    static void show(EditorPreferencesDialog* dialog)
-    {
-        dialog->show();
-        QVERIFY(QTest::qWaitForWindowActive(dialog));
-    }
-
     QTemporaryDir m_Folder;
 };
 

@@ -16,17 +16,10 @@
 
 namespace {
 
-OrvNgExtendedNode* addNode(QGraphicsScene* scene, const char* category, const QPointF& pos)
+template <typename Node> Node* add(QGraphicsScene* scene, const QPointF& pos, const char* text)
 {
-    auto* node = new OrvNgExtendedNode(nullptr);
-    node->setText(QStringLiteral("Title"));
-    node->setCategory(QString::fromLatin1(category));
-    for (const char* name : {"plain", "labelled", "crossed", "marked"}) {
-        node->createOutputPoint(QString::fromLatin1(name), true);
-        node->createInput(QString::fromLatin1(name), false, {});
-    }
-    node->applyPortVisibilityMode();
-    node->setCorrectColor();
+    auto* node = new Node(nullptr);
+    node->setText(QString::fromLatin1(text));
     scene->addItem(node);
     node->setPos(pos);
     return node;
@@ -35,26 +28,32 @@ OrvNgExtendedNode* addNode(QGraphicsScene* scene, const char* category, const QP
 /// Two nodes and an edge of each kind, backdrops and a note.
 void fill(QGraphicsScene* scene)
 {
-    OrvNgExtendedNode* source = addNode(scene, "Math", {0, 0});
-    OrvNgExtendedNode* dest = addNode(scene, "Misc", {300, 60});
-    source->setBypassed(true);
-    for (const char* name : {"plain", "labelled", "crossed", "marked"})
-        dest->input(QString::fromLatin1(name))->setSourceNode(source, QString::fromLatin1(name));
-    dest->input(QStringLiteral("labelled"))->setTextVisible(true);
-    dest->input(QStringLiteral("crossed"))->setBypassed(true);
-    dest->input(QStringLiteral("marked"))->switchToDotableMode(true);
+    const QStringList edges
+        = QStringLiteral("plain labelled crossed marked").split(QLatin1Char(' '));
+    OrvNgExtendedNode* nodes[2];
+    for (int i = 0; i < 2; ++i) {
+        nodes[i] = add<OrvNgExtendedNode>(scene, QPointF(300, 60) * i, "Title");
+        nodes[i]->setCategory(i ? QStringLiteral("Misc") : QStringLiteral("Math"));
+        for (const QString& name : edges) {
+            nodes[i]->createOutputPoint(name, true);
+            nodes[i]->createInput(name, false, {});
+        }
+        nodes[i]->applyPortVisibilityMode();
+        nodes[i]->setCorrectColor();
+    }
+    nodes[0]->setBypassed(true);
+    for (const QString& name : edges)
+        nodes[1]->input(name)->setSourceNode(nodes[0], name);
+    nodes[1]->input(edges.at(1))->setTextVisible(true);
+    nodes[1]->input(edges.at(2))->setBypassed(true);
+    nodes[1]->input(edges.at(3))->switchToDotableMode(true);
     for (const bool isSelected : {false, true}) {
-        auto* backdrop = new OrvNgBackdropNode(nullptr);
-        backdrop->setTitleText(QStringLiteral("Frame"));
+        auto* backdrop
+            = add<OrvNgBackdropNode>(scene, {-140.0, isSelected ? 100.0 : 200.0}, "Frame");
         backdrop->setLabel(QStringLiteral("Remark"));
-        scene->addItem(backdrop);
-        backdrop->setPos(-140, isSelected ? 100 : 200);
         backdrop->setSelected(isSelected);
     }
-    auto* note = new OrvNgUINode(nullptr);
-    note->setLabel(QStringLiteral("Note"));
-    scene->addItem(note);
-    note->setPos(100, 240);
+    add<OrvNgUINode>(scene, {100, 240}, "Note");
 }
 
 QImage picture(QGraphicsScene* scene)
@@ -76,31 +75,22 @@ class tst_EditorStyleRefresh : public QObject
 private Q_SLOTS:
     void oldItems_lookLikeNewOnes_data()
     {
-        const QVariant color = QColor(255, 0, 255);
-        const QVariant pair
-            = QVariant::fromValue(qMakePair(QColor(255, 0, 255), QColor(0, 255, 0)));
-        const TestTable<QByteArray, QVariant> row("name", "value");
-        row("category of a node", "MiscNodeColor", color);
-        row("state of a node", "BypassedNodeColor", pair);
-        row("title", "NodeTextColor", color);
-        row("size", "NodeHeight", QVariant(70.0F));
-        row("edge", "EdgeColor", color);
-        row("label", "EdgeLabelColor", color);
-        row("cross", "CrossedOutBypassedEdgeColor", color);
-        row("marker", "DotableMarkerColor", color);
-        row("text of ports", "PortTextColor", color);
-        row("ground of a label", "SceneBackgroundColor", color);
-        row("title bar of a backdrop", "BackdropNodeTitleBarColor", color);
-        row("title bar of a selected backdrop", "SelectedNodeColor", color);
-        row("height of title bars", "BackdropNodeTitleBarHeight", QVariant(60.0F));
-        row("place of titles", "BackdropNodeTitleBarPaddingLeftTop", QVariant(QPointF(40, 8)));
-        row("outline of a note", "NodeOutlineColor", color);
+        const TestTable<QVariant> row("value");
+        for (const char* name : {"MiscNodeColor", "NodeTextColor", "EdgeColor", "EdgeLabelColor",
+                 "CrossedOutBypassedEdgeColor", "DotableMarkerColor", "PortTextColor",
+                 "SceneBackgroundColor", "BackdropNodeTitleBarColor", "SelectedNodeColor",
+                 "NodeOutlineColor"})
+            row(name, QVariant(QColor(255, 0, 255)));
+        row("BypassedNodeColor",
+            QVariant::fromValue(qMakePair(QColor(255, 0, 255), QColor(0, 255, 0))));
+        row("NodeHeight", QVariant(70.0F));
+        row("BackdropNodeTitleBarHeight", QVariant(60.0F));
+        row("BackdropNodeTitleBarPaddingLeftTop", QVariant(QPointF(40, 8)));
     }
 
     void oldItems_lookLikeNewOnes()
     {
-        QFETCH(QByteArray, name);
-        const char* property = name.constData();
+        const char* property = QTest::currentDataTag();
         QFETCH(QVariant, value);
         OrvNgStyle& style = OrvNgStyle::instance();
         const QVariant before = style.property(property);

@@ -2,7 +2,6 @@
 
 #include "network/NetEditor.h"
 
-#include <QSet>
 #include <QStringList>
 
 #include <climits>
@@ -97,14 +96,8 @@ private:
         const int port = index(network.nodes.value(node).inputs.size());
         const int output = index(network.nodes.value(other).outputs.size());
         const int backdrop = index(network.backdrops.size());
-        trace(QStringLiteral("kind %1 in %2: node %3.%4, %5.%6, backdrop %7")
-                  .arg(kind)
-                  .arg(scope)
-                  .arg(node)
-                  .arg(port)
-                  .arg(other)
-                  .arg(output)
-                  .arg(backdrop));
+        trace(QString::asprintf("kind %d in %d: node %d.%d, %d.%d, backdrop %d", kind, scope, node,
+            port, other, output, backdrop));
         const NetPortRef dest{node, port};
         switch (kind) {
         case Move:
