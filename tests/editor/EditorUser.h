@@ -4,7 +4,6 @@
 #include "editor/EditorView.h"
 
 #include <QCoreApplication>
-#include <QGraphicsPathItem>
 #include <QMouseEvent>
 
 #include <OrvNodeGraph/OrvNgEdge.h>
@@ -55,9 +54,12 @@ public:
     {
         return at(node(name)->mapToScene(node(name)->nodeShapeRect().center()));
     }
-    QPoint atMiddle(OrvNgEdge* edge) const
+    /// Of the modes of ports.
+    QPoint atButton(const char* name) const
     {
-        return at(edge->mainEdge()->path().pointAtPercent(0.5));
+        const QRectF header = node(name)->nodeShapeRect();
+        const QPointF inside = QPointF(-1, 1) * header.height() / 2;
+        return at(node(name)->mapToScene(header.topRight() + inside));
     }
 
     // The mouse

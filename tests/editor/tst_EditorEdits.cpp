@@ -6,6 +6,8 @@
 #include <OrvCoreModules/OrvShaderNetworkManager.h>
 
 #include <QMap>
+#include <QPainter>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <pugixml.hpp>
@@ -59,6 +61,18 @@ struct Desk : Stage
             {"corner", rect.bottomRight() - QPointF(3, 3)}, {"middle", rect.center()},
             {"body", rect.center() + QPointF(0, 110)}};
         return at(places.value(parts.first()));
+    }
+    /// Puts items into states that show more of the style.
+    void dress()
+    {
+        if (backdropIndex("inner") >= 0) {
+            backdrop("inner")->setSelected(true);
+            edge("b", "in")->setTextVisible(true);
+            return;
+        }
+        node("d")->setBypassed(true);
+        edge("b", "in1")->switchToDotableMode(true);
+        edge("c", "in1")->setBypassed(true);
     }
     /// Says in the status bar which nodes and backdrops are so.
     void tell(const std::function<bool(OrvNgNode*)>& isSo)
@@ -298,6 +312,72 @@ private Q_SLOTS:
         // Two that were worked out by hand.
         QCOMPARE(color(types.first(), true).name(), QStringLiteral("#6aa7f4"));
         QCOMPARE(color(types.first(), false).name(), QStringLiteral("#4e75a6"));
+    }
+
+    void style_isFollowedByItemsThatAreThere_data()
+    {
+        const TestTable<QByteArray, QVariant> row("document", "value");
+        const QColor color(255, 0, 255);
+        for (const char* name : {"MathNodeColor", "NodeTextColor", "EdgeColor", "PortTextColor",
+                 "CrossedOutBypassedEdgeColor", "DotableMarkerColor"})
+            row(name, "chain", color);
+        for (const char* name : {"BackdropNodeTitleBarColor", "SelectedNodeColor",
+                 "NodeOutlineColor", "EdgeLabelColor", "SceneBackgroundColor"})
+            row(name, "nested", color);
+        row("BypassedNodeColor", "chain", QVariant::fromValue(qMakePair(color, QColor(0, 255, 0))));
+        row("NodeHeight", "chain", 70.0F);
+        row("BackdropNodeTitleBarHeight", "nested", 60.0F);
+        row("BackdropNodeTitleBarPaddingLeftTop", "nested", QPointF(40, 8));
+    }
+
+    void style_isFollowedByItemsThatAreThere()
+    {
+        QFETCH(QByteArray, document);
+        QFETCH(QVariant, value);
+        const char* property = QTest::currentDataTag();
+        OrvNgStyle& style = OrvNgStyle::instance();
+        const QVariant before = style.property(property);
+        const auto picture = [](Desk& desk) {
+            flush();
+            QImage image(1500, 800, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::black);
+            QPainter painter(&image);
+            const qreal left = desk.backdropIndex("outer") < 0 ? -100 : 2650;
+            desk.m_Scene->render(&painter, image.rect(), QRectF(left, -100, 1500, 800));
+            return image;
+        };
+        Desk desk(document);
+        desk.dress();
+        const QImage old = picture(desk);
+        QVERIFY(style.setProperty(property, value));
+        flush();
+        Desk made(document);
+        made.dress();
+        const QImage wanted = picture(made);
+        const QImage refreshed = picture(desk);
+        style.setProperty(property, before);
+        QVERIFY(wanted != old); // the property shows at all
+        QCOMPARE(refreshed, wanted);
+        QCOMPARE(picture(desk), old);
+    }
+
+    void manyChangesOfTheStyle_areOnePass()
+    {
+        const Desk first("chain"), second("nested");
+        OrvNgStyle& style = OrvNgStyle::instance();
+        const QVariantList before{
+            style.property("GridLinesColor"), style.property("MathNodeColor")};
+        const QSignalSpy passes(&style, &OrvNgStyle::colorsUpdated);
+        for (int i = 1; i < 6; ++i) {
+            style.setGridLinesColor(OrvColor(0.1F * float(i), 0.0F, 0.0F));
+            style.setMathNodeColor(OrvColor(0.0F, 0.1F * float(i), 0.0F));
+        }
+        QCOMPARE(passes.count(), 0);
+        flush();
+        QCOMPARE(passes.count(), 1); // what it derived starts no other
+        QCOMPARE(style.getGridPen().color(), QColor(128, 0, 0));
+        style.setProperty("GridLinesColor", before.at(0));
+        style.setProperty("MathNodeColor", before.at(1));
     }
 
 private:
