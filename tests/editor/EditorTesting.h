@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTest>
 
 /// What the editor's tests share.
@@ -27,7 +28,12 @@ public:
         qInstallMessageHandler(m_Previous);
         s_Current = nullptr;
     }
-    QStringList heard() const { return m_Warnings + m_Reports.messages(); }
+    /// Without what is merely noted.
+    QStringList heard() const
+    {
+        const QRegularExpression trouble(QStringLiteral("^(?!\\[ -- \\])"));
+        return (m_Warnings + m_Reports.messages()).filter(trouble);
+    }
 
 private:
     Q_DISABLE_COPY(Noise)
@@ -59,12 +65,11 @@ inline QString testPath(const QByteArray& name)
     return QStringLiteral(ORV_TEST_DATA "/editor/") + QLatin1String(name);
 }
 
-inline QByteArray testDocument(const QByteArray& name)
+/// Empty for a file that cannot be read.
+inline QByteArray contents(const QString& path)
 {
-    QFile file(testPath(name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("the test's document is missing");
-    return file.readAll();
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 inline QString samplePath(const char* name)

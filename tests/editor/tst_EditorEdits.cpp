@@ -228,7 +228,7 @@ private Q_SLOTS:
         Desk desk(document);
         QVERIFY(desk.isTrue());
         const QByteArray before = desk.m_Editor->text();
-        QCOMPARE(before, testDocument(document + ".mtlx"));
+        QCOMPARE(before, contents(testPath(document + ".mtlx")));
 
         desk.play(script);
         const QByteArray after = desk.m_Editor->text();
@@ -246,8 +246,7 @@ private Q_SLOTS:
             history().canUndo() ? history().undo() : history().redo();
             flush();
         }
-        for (const QString& heard : noise.heard())
-            QVERIFY2(heard.contains(QStringLiteral("[ -- ]")), qPrintable(heard)); // traces only
+        QCOMPARE(noise.heard(), QStringList());
     }
 
     void color_isReadInBothForms()

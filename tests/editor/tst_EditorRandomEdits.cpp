@@ -31,19 +31,12 @@ void require(bool holds, const QString& problem)
         throw std::runtime_error(problem.toStdString());
 }
 
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    require(file.open(QIODevice::ReadOnly), path);
-    return file.readAll();
-}
-
 class Run
 {
 public:
     Run(const QString& file, unsigned seed, QFile* trace)
         : m_Reader(NetSearchPath({QFileInfo(file).path()}))
-        , m_Path(writeFile(QDir(m_Folder.path()), QStringLiteral("document.mtlx"), bytesOf(file)))
+        , m_Path(writeFile(QDir(m_Folder.path()), QStringLiteral("document.mtlx"), contents(file)))
         , m_Editor(std::make_shared<NetEditor>(m_Reader.read(m_Path).document))
         , m_Stage(m_Editor, firstShown(m_Editor->document()))
         , m_Dice(m_Editor.get(), seed)
@@ -71,8 +64,7 @@ public:
             checkText();
             if (m_Dice.oneIn(8))
                 checkModel();
-            for (const QString& heard : m_Noise.heard())
-                require(heard.contains(QStringLiteral("[ -- ]")), heard); // traces only
+            require(m_Noise.heard().isEmpty(), m_Noise.heard().join(QLatin1Char(' ')));
         }
     }
     void finish()
@@ -124,7 +116,7 @@ private:
     {
         QString error;
         require(editor.save(m_Path, &error), error);
-        require(bytesOf(m_Path) == m_Editor->text() && editor.text() == m_Editor->text()
+        require(contents(m_Path) == m_Editor->text() && editor.text() == m_Editor->text()
                 && !editor.changedOnDisk(),
             QStringLiteral("not what was saved"));
     }
