@@ -132,6 +132,7 @@ private Q_SLOTS:
         row("switch", "loud", -1, " ", QVariant(true), "");
         row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)), "");
         row("colour with opacity", "paper", 0, "#ff800033\n", color, "");
+        row("name of a colour", "ink", 0, "red\n", QVariant(QColor(Qt::red)), "");
         row("end of a gradient", "sky", 1, "#ffffff\n", gradient, "");
         row("finished by Cancel alone", "paper", 0, "#ff8000", QVariant(), "");
         row("no colour", "paper", 0, "zzz", QVariant(), "zzz");

@@ -160,9 +160,7 @@ private Q_SLOTS:
         };
         auto* grid = OrvShaderNetworkManager::instance();
         const auto resetGrid = [grid] {
-            grid->setGridWidth(20);
-            grid->setGridHeight(20);
-            grid->setSnapToGrid(false);
+            grid->setGridWidth(20), grid->setGridHeight(20), grid->setSnapToGrid(false);
         };
         const auto lookPastTheNodes = [](EditorWindow* window) {
             window->view()->lookAt({4000, 0}, 1);

@@ -191,22 +191,18 @@ private:
         const char* const kind = scope.parent < 0           ? "document"
             : scope.kind == NetScope::Kind::FunctionalGraph ? "functional"
                                                             : "compound";
-        return {
-            {QStringLiteral("name"), scope.parent < 0 ? QStringLiteral("(document)") : scope.name},
-            {QStringLiteral("kind"), QLatin1String(kind)},
-            {QStringLiteral("nodes"), counts.nodes},
-            {QStringLiteral("nodegraphs"), counts.nodeGraphs},
-            {QStringLiteral("interfaceInputs"), counts.interfaceInputs},
-            {QStringLiteral("outputs"), counts.outputs},
-            {QStringLiteral("nodeInputs"), counts.nodeInputs},
-            {QStringLiteral("connections"), counts.connections},
-            {QStringLiteral("nodeToNode"), counts.nodeToNode},
-            {QStringLiteral("depth"), counts.depth},
-            {QStringLiteral("maxFanOut"), counts.maxFanOut},
-            {QStringLiteral("maxListedInputs"), counts.maxListedInputs},
-            {QStringLiteral("positioned"), counts.positioned},
-            {QStringLiteral("backdrops"), counts.backdrops},
-        };
+        const QString name = scope.parent < 0 ? QStringLiteral("(document)") : scope.name;
+        QJsonObject all{
+            {QStringLiteral("name"), name}, {QStringLiteral("kind"), QLatin1String(kind)}};
+        const std::pair<const char*, int> numbers[] = {{"nodes", counts.nodes},
+            {"nodegraphs", counts.nodeGraphs}, {"interfaceInputs", counts.interfaceInputs},
+            {"outputs", counts.outputs}, {"nodeInputs", counts.nodeInputs}, {"depth", counts.depth},
+            {"connections", counts.connections}, {"nodeToNode", counts.nodeToNode},
+            {"maxFanOut", counts.maxFanOut}, {"maxListedInputs", counts.maxListedInputs},
+            {"positioned", counts.positioned}, {"backdrops", counts.backdrops}};
+        for (const auto& [key, number] : numbers)
+            all.insert(QLatin1String(key), number);
+        return all;
     }
 };
 
