@@ -88,7 +88,8 @@ struct Desk : Stage
     QString shade(const QPoint& pos)
     {
         const QString type = QStringLiteral("float");
-        const QRgb color = m_View.viewport()->grab().toImage().pixel(pos);
+        const QImage image = m_View.viewport()->grab().toImage();
+        const QRgb color = image.pixel(pos * image.devicePixelRatio());
         const QMap<QRgb, const char*> shades{
             {EditorPortColors::color(type, true).rgb(), "connected"},
             {EditorPortColors::color(type, false).rgb(), "free"},

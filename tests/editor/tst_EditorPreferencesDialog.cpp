@@ -10,6 +10,7 @@
 #include <QColorDialog>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QPoint>
 #include <QPushButton>
 #include <QSettings>
@@ -128,7 +129,8 @@ private Q_SLOTS:
         const auto color = QVariant::fromValue(OrvColor(QColor(255, 128, 0, 51)));
         const auto gradient = QVariant::fromValue(ColorPair(kSky.first, Qt::white));
         row("whole number", "steps", 0, "14\n", QVariant(14), "");
-        row("double, of which more is kept than shown", "depth", 0, "2.5\n", QVariant(2.5), "");
+        const QString number = QLocale().toString(2.5) + QLatin1Char('\n');
+        row("double, of which more is kept than shown", "depth", 0, number, QVariant(2.5), "");
         row("switch", "loud", -1, " ", QVariant(true), "");
         row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)), "");
         row("colour with opacity", "paper", 0, "#ff800033\n", color, "");
