@@ -144,6 +144,9 @@ private Q_SLOTS:
         QCOMPARE(editor.text(), expected);
         const auto again = NetReader(NetSearchPath()).read(fixture.m_Path, expected).document;
         QCOMPARE(NetModelText::of(editor.document()), NetModelText::of(*again));
+        if (change == "remove graph/g") // what lies inside is gone as well
+            QVERIFY(!editor.whyNotMove(editor.document().indexOfScope(QStringLiteral("g")), 0)
+                         .isEmpty());
         step->undo();
         QCOMPARE(editor.text(), original);
     }
