@@ -18,15 +18,16 @@ private Q_SLOTS:
     void focus_isTakenOnlyFromWidgetsWithoutText()
     {
         QWidget window;
-        auto* const layout = new QVBoxLayout(&window);
-        auto* const target = new QWidget;
-        auto* const list = new QComboBox;
-        auto* const view = new QGraphicsView;
-        auto* const lineEdit = new QLineEdit;
-        auto* const textEdit = new QTextEdit;
-        const QVector<QWidget*> widgets{target, list, view, lineEdit, textEdit};
-        for (QWidget* const widget : widgets)
-            layout->addWidget(widget);
+        QVBoxLayout layout(&window);
+        const auto add = [&layout](auto* widget) {
+            layout.addWidget(widget);
+            return widget;
+        };
+        QWidget* const target = add(new QWidget);
+        QWidget* const list = add(new QComboBox);
+        QGraphicsView* const view = add(new QGraphicsView);
+        QWidget* const lineEdit = add(new QLineEdit);
+        QWidget* const textEdit = add(new QTextEdit);
         view->setScene(new QGraphicsScene(view));
         QGraphicsTextItem* const item = view->scene()->addText(QStringLiteral("text"));
         item->setTextInteractionFlags(Qt::TextEditorInteraction);
@@ -39,12 +40,10 @@ private Q_SLOTS:
             OrvGui::stealFocusGently(target);
             return QApplication::focusWidget() == target;
         };
-        QVERIFY(isTakenFrom(list));
-        QVERIFY(isTakenFrom(view));
+        QVERIFY(isTakenFrom(list) && isTakenFrom(view));
         view->scene()->setFocusItem(item);
-        QVERIFY(!isTakenFrom(view));
-        QVERIFY(!isTakenFrom(lineEdit));
-        QVERIFY(!isTakenFrom(textEdit));
+        for (QWidget* holder : {static_cast<QWidget*>(view), lineEdit, textEdit})
+            QVERIFY(!isTakenFrom(holder));
 
         list->setFocus();
         QMenu menu;

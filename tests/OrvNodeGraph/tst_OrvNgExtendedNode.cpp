@@ -6,11 +6,7 @@
 #include <QFontMetrics>
 #include <QtTest>
 
-#include <functional>
-
 using Node = OrvNgExtendedNode;
-using Action = std::function<void(Node&)>;
-Q_DECLARE_METATYPE(Action)
 
 namespace {
 
@@ -37,21 +33,18 @@ private Q_SLOTS:
 
     void mode_decidesShownPorts_data()
     {
-        const TestTable<int, bool, QStringList, bool> row("mode", "connected", "inputs", "outputs");
-        const QStringList none;
-        row("expanded", int(Node::PORT_LIST_EXPANDED), true, QStringList({kA, kB, kC}), true);
-        row("top to bottom", int(Node::PORT_LIST_T2B), true, none, false);
-        row("grouped", int(Node::PORT_LIST_GROUPED), false, QStringList({kC, kGroup}), true);
-        row("only connected, one", int(Node::PORT_LIST_ONLY_CONNECTED), true, QStringList(kB),
-            false);
-        row("only connected, none", int(Node::PORT_LIST_ONLY_CONNECTED), false, none, false);
-        row("collapsed", int(Node::PORT_LIST_COLLAPSED), true, none, false);
+        const TestTable<int, bool, QString, bool> row("mode", "connected", "inputs", "outputs");
+        row("expanded", Node::PORT_LIST_EXPANDED, true, "a b c", true);
+        row("top to bottom", Node::PORT_LIST_T2B, true, "", false);
+        row("grouped", Node::PORT_LIST_GROUPED, false, "c group", true);
+        row("only connected, one", Node::PORT_LIST_ONLY_CONNECTED, true, "b", false);
+        row("only connected, none", Node::PORT_LIST_ONLY_CONNECTED, false, "", false);
+        row("collapsed", Node::PORT_LIST_COLLAPSED, true, "", false);
     }
     void mode_decidesShownPorts()
     {
         QFETCH(int, mode);
         QFETCH(bool, connected);
-        QFETCH(QStringList, inputs);
         QFETCH(bool, outputs);
         ExtendedRig rig;
         QCOMPARE(rig.shownInputs(), QStringList()); // new ports wait for a pass
@@ -62,14 +55,14 @@ private Q_SLOTS:
         for (int previous = 0; previous < 5; ++previous) { // from every mode into this one
             rig.setMode(previous);
             rig.setMode(mode);
-            QCOMPARE(rig.shownInputs(), inputs);
+            const QStringList inputs = rig.shownInputs();
+            QTEST(inputs.join(QLatin1Char(' ')), "inputs");
             QCOMPARE(rig.m_Node->isOutputPortVisible(kOut), outputs);
             const int rows = inputs.size() + (outputs ? 2 : 0);
             const int gaps = qMax(0, inputs.size() - 1) + (outputs ? 1 : 0);
             const double row = qMax(18, QFontMetrics(QFont()).height());
-            const QRectF header = rig.m_Node->nodeShapeRect();
             QCOMPARE(rig.m_Node->boundingRect().height(), // margins above and below the lists
-                header.height() + 5 + rows * row + gaps * 5 + 5);
+                rig.m_Node->nodeShapeRect().height() + 5 + rows * row + gaps * 5 + 5);
         }
     }
 
@@ -81,8 +74,7 @@ private Q_SLOTS:
         for (int mode = 0; mode < 5; ++mode) {
             rig.setMode(mode);
             rig.m_Node->setInputPortVisible(kA, true);
-            rig.m_Node->setInputPortVisible(kB, true);
-            QVERIFY(!rig.m_Node->isInputPortVisible(kA) && rig.m_Node->isInputPortVisible(kB));
+            QVERIFY(!rig.m_Node->isInputPortVisible(kA));
         }
     }
 
@@ -91,95 +83,53 @@ private Q_SLOTS:
         ExtendedRig rig;
         rig.setMode(Node::PORT_LIST_ONLY_CONNECTED);
         rig.m_Source->setPortListMode(Node::PORT_LIST_ONLY_CONNECTED);
-        QVERIFY(!rig.m_Source->isOutputPortVisible(kOut));
-        rig.connectInput(kB);
-        QCOMPARE(rig.shownInputs(), QStringList(kB));
-        QVERIFY(rig.m_Source->isOutputPortVisible(kOut));
-        rig.m_Node->input(kB)->setSourceNode(nullptr, QString());
-        QCOMPARE(rig.shownInputs(), QStringList());
-        QVERIFY(!rig.m_Source->isOutputPortVisible(kOut));
+        for (Node* source : {rig.m_Source, static_cast<Node*>(nullptr)}) {
+            rig.m_Node->input(kB)->setSourceNode(source, source ? kOut : QString());
+            QCOMPARE(rig.shownInputs(), source ? QStringList(kB) : QStringList());
+            QCOMPARE(rig.m_Source->isOutputPortVisible(kOut), source != nullptr);
+        }
     }
 
-    // What is refused or unknown changes nothing
-
-    void badCall_isReportedAndChangesNothing_data()
+    void badCalls_areReportedAndChangeNothing()
     {
-        const TestTable<Action, QStringList> row("action", "reports");
-        const QString badIndex = QStringLiteral("Specified index is out of range");
-        const QStringList badIndexTwice = {QStringLiteral("OrvNgExtendedNode: ") + badIndex,
-            QStringLiteral("OrvNgNode: ") + badIndex};
-        const auto own = [](const char* message) {
-            return QStringList(QStringLiteral("OrvNgExtendedNode: ") + QLatin1String(message));
-        };
-        row(
-            "mode after the last",
-            [](Node& n) { n.setPortListMode(static_cast<Node::PortListMode>(5)); },
-            own("No such port list mode : 5"));
-        row(
-            "input index -1", [](Node& n) { n.removeInput(-1); }, badIndexTwice);
-        row(
-            "members of an unknown input cluster",
-            [](Node& n) { QCOMPARE(n.inputClusterPortName2ClusterList(kA), QStringList()); },
-            own("Such InputClusterPortName does not exist : a"));
-        row(
-            "cluster named like an input",
-            [](Node& n) {
-                n.setInputPortClusterMap({{kGroup, {kA}}, {kB, {kC}}});
-            },
-            own("Cluster name is empty or taken : b"));
-        row(
-            "input renamed to a taken name", [](Node& n) { n.renameInput(kA, kB); },
-            own("Input name is taken : b"));
-        row(
-            "input made twice", [](Node& n) { n.createInput(kA, true, {}); },
-            QStringList(QStringLiteral("OrvNgNode: [ !! ] Input 'a' exists already on node ''")));
-        row(
-            "icon that does not exist", [](Node& n) { n.setIconVisible(true, 0); }, QStringList());
-        row(
-            "port that does not exist", [](Node& n) { n.setInputPortVisible(kOuts, true); },
-            QStringList());
-    }
-    void badCall_isReportedAndChangesNothing()
-    {
-        QFETCH(Action, action);
-        QFETCH(QStringList, reports);
         ExtendedRig rig;
         Node& node = *rig.m_Node;
         node.setInputPortClusterMap({{kGroup, {kA}}});
         rig.setMode(Node::PORT_LIST_GROUPED);
         DebugRecorder recorder;
-        action(node);
+        node.setPortListMode(static_cast<Node::PortListMode>(5));
+        node.removeInput(-1);
+        QCOMPARE(node.inputClusterPortName2ClusterList(kA), QStringList());
+        node.setInputPortClusterMap({{kGroup, {kA}}, {kB, {kC}}});
+        node.renameInput(kA, kB);
+        node.createInput(kA, true, {});
+        node.setIconVisible(true, 0);
+        node.setInputPortVisible(kOuts, true);
         node.applyPortVisibilityMode();
-        QStringList reported;
+        QString reported;
         for (const DebugRecorder::Report& report : recorder.reports())
             reported += report.file.section(QLatin1Char('/'), -1) + QStringLiteral(": ")
-                + report.message;
-        QCOMPARE(reported, reports);
+                + report.message + QLatin1Char('\n');
+        QCOMPARE(reported,
+            QStringLiteral("OrvNgExtendedNode: No such port list mode : 5\n"
+                           "OrvNgExtendedNode: Specified index is out of range\n"
+                           "OrvNgNode: Specified index is out of range\n"
+                           "OrvNgExtendedNode: Such InputClusterPortName does not exist : a\n"
+                           "OrvNgExtendedNode: Cluster name is empty or taken : b\n"
+                           "OrvNgExtendedNode: Input name is taken : b\n"
+                           "OrvNgNode: [ !! ] Input 'a' exists already on node ''\n"));
         QCOMPARE(node.portListMode(), Node::PORT_LIST_GROUPED);
         QCOMPARE(node.sortedInputPoints(), QStringList({kA, kB, kC}));
-        QCOMPARE(node.sortedOutputPoints(), QStringList({kOut, kRest}));
         QCOMPARE(rig.shownInputs(), QStringList({kB, kC, kGroup}));
-        QCOMPARE(node.inputCount(), 4);
-        QCOMPARE(node.outputPointCount(), 2);
         QVERIFY(!node.inputPort(kB)->isClustered() && !node.inputPortBelongsToCluster(kC));
+
+        node.createOutputPoint(kOuts, false); // without a port
+        recorder.clear();
+        node.removeOutputPoint(kOuts);
+        QCOMPARE(recorder.messages(), QStringList(QStringLiteral("Could not remove an edge 2")));
     }
 
     // Points, names and clusters
-
-    void removedPoint_takesItsPortAlong()
-    {
-        ExtendedRig rig;
-        rig.m_Node->removeInput(1);
-        QVERIFY(!rig.m_Node->inputPort(kB) && !rig.m_Node->inputExists(kB));
-        QCOMPARE(rig.m_Node->sortedInputPoints(), QStringList({kA, kC}));
-
-        rig.m_Node->createOutputPoint(kOuts, false); // without a port
-        QVERIFY(!rig.m_Node->outputPort(kOuts));
-        DebugRecorder recorder;
-        rig.m_Node->removeOutputPoint(kOuts);
-        QCOMPARE(recorder.messages(), QStringList(QStringLiteral("Could not remove an edge 2")));
-        QCOMPARE(rig.m_Node->outputPointCount(), 2);
-    }
 
     void renamedInput_keepsItsPortAndCluster()
     {
@@ -192,8 +142,6 @@ private Q_SLOTS:
         QCOMPARE(rig.m_Node->input(renamed)->sourceNode(), rig.m_Source);
         QCOMPARE(rig.m_Node->inputPort(renamed), port);
         QCOMPARE(port->text(), renamed);
-        QVERIFY(rig.m_Node->inputExists(renamed));
-        QVERIFY(!rig.m_Node->inputPort(kA) && !rig.m_Node->inputExists(kA));
         QCOMPARE(rig.m_Node->inputPort2ClusterName(renamed), kGroup);
     }
 
@@ -202,20 +150,17 @@ private Q_SLOTS:
         ExtendedRig rig;
         Node& node = *rig.m_Node;
         const QString blank = QStringLiteral("blank"), late = QStringLiteral("late");
-        const QString nice = QStringLiteral("Base Colour");
         node.setConnectionPrettyNames(
-            {{late, nice}, {blank, QStringLiteral("  ")}, {kA, nice}}, {{blank, QString()}});
+            {{late, kWide}, {blank, QStringLiteral("  ")}, {kA, kWide}}, {{blank, QString()}});
         node.createInput(late, false, {});
         node.createInput(blank, false, {});
         node.createOutputPoint(blank, true);
-        QCOMPARE(node.inputPort(late)->text(), nice);
-        QCOMPARE(node.input(late)->prettyText(), nice);
+        QCOMPARE(node.inputPort(late)->text(), kWide);
         QCOMPARE(node.inputPort(blank)->text(), QStringLiteral("Input"));
         QCOMPARE(node.outputPort(blank)->text(), blank);
-
         QCOMPARE(node.inputPort(kA)->text(), kA);
         node.refreshPrettyName(kA);
-        QCOMPARE(node.inputPort(kA)->text(), nice);
+        QCOMPARE(node.inputPort(kA)->text(), kWide);
     }
 
     void reorder_putsClustersFirstThenNamedThenRest()
@@ -226,9 +171,8 @@ private Q_SLOTS:
         rig.setMode(Node::PORT_LIST_GROUPED);
         rig.m_Node->reorderInputPorts({kC, QStringLiteral("unknown"), kB, kC});
         QCOMPARE(rig.m_Node->sortedInputPoints(), QStringList({kC, kB, kA}));
-        QVERIFY(rig.inputSquare(kGroup).y() < rig.inputSquare(second).y());
-        QVERIFY(rig.inputSquare(second).y() < rig.inputSquare(kC).y());
-
+        const double middle = rig.inputSquare(second).y();
+        QVERIFY(rig.inputSquare(kGroup).y() < middle && middle < rig.inputSquare(kC).y());
         rig.m_Node->reorderOutputPorts({kRest});
         QCOMPARE(rig.m_Node->sortedOutputPoints(), QStringList({kRest, kOut}));
         QVERIFY(rig.outputSquare(kRest).y() < rig.outputSquare(kOut).y());
@@ -243,22 +187,16 @@ private Q_SLOTS:
         node.setOutputPortClusterMap({{kOuts, {kOut}}});
         QCOMPARE(rig.shownInputs(), QStringList({kC, kGroup}));
         node.setInputConnectionPrettyNames({{kA, kWide}});
-        QCOMPARE(node.input(kA)->prettyText(), kWide);
         QCOMPARE(node.input(kGroup)->prettyText(), QString()); // its edge carries no label
         QCOMPARE(node.inputPort(kGroup)->text(), kGroup);
-        const QString other = QStringLiteral("other");
-        node.setInputPortClusterMap({{other, {kC}}});
-        QCOMPARE(node.inputCount(), 4);
-        QVERIFY(!node.inputPort(kGroup) && node.inputPort(other)->isClustered());
-        QCOMPARE(node.inputPort2ClusterName(kA), QString());
-        QCOMPARE(node.inputPort2ClusterName(kC), other);
+        node.setInputPortClusterMap({{kWide, {kC}}});
+        QVERIFY(!node.inputPort(kGroup) && node.inputPort(kWide)->isClustered());
+        QCOMPARE(node.inputPort2ClusterName(kA) + node.inputPort2ClusterName(kC), kWide);
         QCOMPARE(rig.shownInputs(), QStringList({kA, kB}));
-
         node.setInputPortClusterMap({});
         node.setOutputPortClusterMap({});
         QVERIFY(!node.hasClusteredPorts() && !node.outputPort(kOuts) && node.outputPort(kOut));
         QCOMPARE(node.inputCount(), 3);
-        QCOMPARE(node.outputPoints(), QStringList({kOut, kRest}));
     }
 
     void labels_showOnePerBundleOrAllWithoutPorts()
@@ -280,15 +218,13 @@ private Q_SLOTS:
         rig.setMode(Node::PORT_LIST_T2B);
         rig.m_Node->createInput(kOuts, false, {});
         QCOMPARE(labelledInputs(*rig.m_Node), QStringList({kA, kB, kC, kGroup, kOuts}));
-        rig.setMode(Node::PORT_LIST_ONLY_CONNECTED);
-        QCOMPARE(labelledInputs(*rig.m_Node), QStringList());
     }
 
     void bundle_showsAndLabelsItsFirstEdge_data()
     {
         const TestTable<int> row("mode");
-        row("grouped", int(Node::PORT_LIST_GROUPED));
-        row("collapsed", int(Node::PORT_LIST_COLLAPSED));
+        row("grouped", Node::PORT_LIST_GROUPED);
+        row("collapsed", Node::PORT_LIST_COLLAPSED);
     }
     void bundle_showsAndLabelsItsFirstEdge()
     {
@@ -303,22 +239,28 @@ private Q_SLOTS:
         for (const QString& name : {kC, kB, kA})
             rig.connectInput(name);
         OrvNgEdge* first = node.input(kA);
-        const Action steps[]
-            = {[](Node&) {}, [&](Node&) { first->setTags({QStringLiteral("_hidden")}); },
-                [&](Node&) { first->setTags({}); },
-                [&](Node&) { first->setSourceNode(nullptr, QString()); },
-                [&](Node&) { first->setSourceNode(rig.m_Source, kOut); },
-                [&](Node&) { first->setDestNode(&other); }, [](Node& n) { n.removeInput(kB); }};
-        QStringList seen;
-        for (const Action& step : steps) {
-            step(node);
+        QString seen;
+        const auto look = [&] {
             for (const OrvNgEdge* edge : node.inputs()) {
                 QCOMPARE(edge->isTextVisible(), edge->isVisible());
                 if (edge->isVisible())
                     seen.append(edge->text());
             }
-        }
-        QCOMPARE(seen, QStringList({kA, kB, kA, kB, kA, kB, kC}));
+        };
+        look();
+        first->setTags({QStringLiteral("_hidden")});
+        look();
+        first->setTags({});
+        look();
+        first->setSourceNode(nullptr, QString());
+        look();
+        first->setSourceNode(rig.m_Source, kOut);
+        look();
+        first->setDestNode(&other);
+        look();
+        node.removeInput(kB);
+        look();
+        QCOMPARE(seen, QStringLiteral("abababc"));
     }
 
     // Geometry
@@ -330,8 +272,6 @@ private Q_SLOTS:
         node.setInputConnectionPositions({{kA, {QPoint(-10, -20), QPoint(-10, -50)}}});
         node.setInputPortClusterMap({{kGroup, {kA, kB}}});
         node.setOutputPortClusterMap({{kOuts, {kOut}}});
-        rig.setMode(Node::PORT_LIST_EXPANDED);
-        QCOMPARE(node.inputPortDestPos(kA), rig.inputSquare(kA));
         rig.setMode(Node::PORT_LIST_GROUPED);
         QCOMPARE(node.inputPortDestPos(kA), rig.inputSquare(kGroup));
         QCOMPARE(node.inputPortSourcePos(kB), rig.inputSquare(kGroup));
@@ -350,21 +290,13 @@ private Q_SLOTS:
         QCOMPARE(node.inputPortSourcePos(kA), centre + QPointF(-10, -50));
     }
 
-    void geometry_isRightWithoutEventLoopAndScene()
+    void geometry_isRightWithoutEventLoop()
     {
         ExtendedRig rig;
         Node& node = *rig.m_Node;
         rig.setMode(Node::PORT_LIST_EXPANDED);
-        Node offScene(nullptr);
-        ExtendedRig::addPoints(offScene);
-        offScene.setPortListMode(Node::PORT_LIST_EXPANDED);
-        offScene.setPos(node.pos());
-        QCOMPARE(offScene.boundingRect(), node.boundingRect());
-        QCOMPARE(offScene.inputPortDestPos(kC), node.inputPortDestPos(kC));
-
         const double before = node.inputPortDestPos(kC).y();
         const double step = before - node.inputPortDestPos(kB).y();
-        const double height = node.boundingRect().height();
         const double width = node.nodeShapeRect().width();
         node.setInputPortVisible(kA, false);
         QCOMPARE(node.inputPortDestPos(kC).y(), before - step);
@@ -372,7 +304,6 @@ private Q_SLOTS:
         node.inputPort(kC)->setText(kWide);
         for (int round = 0; round < 2; ++round) {
             QCOMPARE(node.inputPortDestPos(kC).y(), before - 2 * step);
-            QCOMPARE(node.boundingRect().height(), height - 2 * step);
             QVERIFY(node.nodeShapeRect().width() > width + 100);
             QCOMPARE(node.outputPortSourcePos(kOut).x(), 400 + node.nodeShapeRect().width() - 6);
             QCoreApplication::processEvents();
@@ -391,7 +322,6 @@ private Q_SLOTS:
         rig.m_Node->pauseInvalidation(false);
         QVERIFY(rig.m_Node->boundingRect().width() > before.width() + 200);
         QCOMPARE(rig.m_Node->inputPortDestPos(kA), rig.inputSquare(kA));
-        QVERIFY(rig.m_Node->sceneBoundingRect().contains(rig.inputSquare(kC) + QPointF(0, 9)));
     }
 };
 

@@ -1,4 +1,5 @@
 #include "OrvNodeGraph/OrvNgNodeBrush.h"
+#include "OrvNodeGraph/OrvNgNodeShape.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/TestTable.h"
 
@@ -8,11 +9,11 @@ using OrvNgNodeBrush::State;
 
 namespace {
 
-QLinearGradient gradient(const char* first, const char* second)
+QLinearGradient gradient(int first)
 {
     QLinearGradient result;
-    result.setColorAt(0.0, QColor(QLatin1String(first)));
-    result.setColorAt(1.0, QColor(QLatin1String(second)));
+    result.setColorAt(0.0, QColor(first, 0, 0));
+    result.setColorAt(1.0, QColor(first + 1, 0, 0));
     return result;
 }
 
@@ -29,6 +30,7 @@ QString colorsOf(const QBrush& brush)
 
 Q_DECLARE_METATYPE(State)
 
+/// What a node is filled with, and the outline that is filled.
 class tst_OrvNgNodeBrush : public QObject
 {
     Q_OBJECT
@@ -36,14 +38,14 @@ private Q_SLOTS:
     void initTestCase()
     {
         OrvNgStyle& style = OrvNgStyle::instance();
-        style.setCurrentPaintNodeBrush(gradient("#010101", "#020202"));
-        style.setDefaultNodeBrush(gradient("#030303", "#040404"));
-        style.setBypassedNodeBrush(gradient("#050505", "#060606"));
-        style.setNodeLockedBrush(gradient("#070707", "#080808"));
-        style.setCachedNodeBrush(QColor(QStringLiteral("#110000")));
-        style.setBakedNodeBrush(QColor(QStringLiteral("#220000")));
-        style.setOutdatedBakedNodeBrush(QColor(QStringLiteral("#330000")));
-        style.setProperty("MathNodeBrush", QVariant::fromValue(gradient("#001100", "#002200")));
+        style.setCurrentPaintNodeBrush(gradient(1));
+        style.setDefaultNodeBrush(gradient(3));
+        style.setBypassedNodeBrush(gradient(5));
+        style.setNodeLockedBrush(gradient(7));
+        style.setCachedNodeBrush(QColor(9, 0, 0));
+        style.setBakedNodeBrush(QColor(10, 0, 0));
+        style.setOutdatedBakedNodeBrush(QColor(11, 0, 0));
+        style.setProperty("MathNodeBrush", QVariant::fromValue(gradient(12)));
     }
 
     void resolve_data()
@@ -55,18 +57,18 @@ private Q_SLOTS:
             row(tag, state, colors);
             state.*flag = false; // the next one wins
         };
-        rung("current paint", &State::m_CurrentPaint, "#010101 #020202");
+        rung("current paint", &State::m_CurrentPaint, "#010000 #020000");
         rung("override", &State::m_Override, "#ff0000 #ff0000");
-        rung("bypassed", &State::m_Bypassed, "#050505 #060606");
-        rung("cached", &State::m_Cached, "#110000");
-        rung("outdated baked", &State::m_OutdatedBaked, "#330000");
-        rung("baked", &State::m_Baked, "#220000");
-        rung("locked", &State::m_Locked, "#070707 #080808");
+        rung("bypassed", &State::m_Bypassed, "#050000 #060000");
+        rung("cached", &State::m_Cached, "#090000");
+        rung("outdated baked", &State::m_OutdatedBaked, "#0b0000");
+        rung("baked", &State::m_Baked, "#0a0000");
+        rung("locked", &State::m_Locked, "#070000 #080000");
         row("own colors", state, "#00ff00 #0000ff");
         state.m_NodeColor = QColor();
-        row("one own color: the category", state, "#001100 #002200");
+        row("one own color: the category", state, "#0c0000 #0d0000");
         state.m_Category = QStringLiteral("NoSuch");
-        row("unknown category: default", state, "#030303 #040404");
+        row("unknown category: default", state, "#030000 #040000");
     }
 
     void resolve()
@@ -79,6 +81,18 @@ private Q_SLOTS:
         const auto* linear = static_cast<const QLinearGradient*>(brush.gradient());
         QCOMPARE(linear->start(), QPointF(10, 20));
         QCOMPARE(linear->finalStop(), QPointF(10, 60));
+    }
+
+    void givenShape_beatsTheCategorys()
+    {
+        const auto shape = [](int type, const char* category) {
+            return static_cast<int>(OrvNgNodeShape::resolve(type, QLatin1String(category)));
+        };
+        QCOMPARE(shape(1, "Basic"), 1);
+        QCOMPARE(shape(0, "Environment"), 2);
+        QCOMPARE(shape(0, "TeleportBroadcast"), 8);
+        QCOMPARE(shape(9, "Geometry"), 2); // too large
+        QCOMPARE(shape(0, ""), 1);
     }
 };
 

@@ -18,7 +18,7 @@ const QString kFree = QStringLiteral("free");
 const QString kOut = QStringLiteral("out");
 const QPoint kOnNode(200, 100); // the middle of the stage's node, in the view
 
-/// A frame that counts how often it stands out, and may delete a node when it is told to.
+/// A frame that counts how often it stands out.
 class Frame : public TestNode
 {
 public:
@@ -29,15 +29,10 @@ public:
         setZValue(-10);
     }
     bool isBackdrop() const override { return true; }
-    void hightlightBackdropForNodeInsert() override
-    {
-        ++m_Highlights;
-        delete m_Victim;
-    }
+    void hightlightBackdropForNodeInsert() override { ++m_Highlights; }
     void unHightlightBackdropForNodeInsert() override { --m_Highlights; }
 
     int m_Highlights = 0;
-    QPointer<OrvNgNode> m_Victim;
 };
 
 /// The cursor lies where the view does not scroll during a drag.
@@ -56,10 +51,6 @@ struct InsertionStage : CalmStage
 {
     InsertionStage()
     {
-        m_Scene.addItem(m_Left);
-        m_Scene.addItem(m_Right);
-        m_Left->setPos(-190, -90);
-        m_Right->setPos(90, -60);
         m_Left->createOutputPoint(kOut, true);
         m_Right->createInput(kIn, false, {});
         m_Edge = m_Right->input(kIn);
@@ -74,8 +65,8 @@ struct InsertionStage : CalmStage
     static QPointF middle(OrvNgEdge* edge) { return edge->mainEdge()->path().pointAtPercent(0.5); }
     static bool isLit(OrvNgEdge* edge)
     {
-        const QPen lit = OrvNgStyle::instance().getHighlightForNodeInsertPen();
-        return edge->mainEdge()->pen().color() == lit.color();
+        return edge->mainEdge()->pen().color()
+            == OrvNgStyle::instance().getHighlightForNodeInsertPen().color();
     }
     /// Presses and drags the node's middle to a scene point.
     void dragTo(const QPointF& scenePos)
@@ -90,8 +81,8 @@ struct InsertionStage : CalmStage
         QVERIFY(isLit(m_Edge));
     }
 
-    TestNode* m_Left = new TestNode(QStringLiteral("left"));
-    TestNode* m_Right = new TestNode(QStringLiteral("right"));
+    TestNode* m_Left = add(QStringLiteral("left"), {-190, -90}, {100, 40});
+    TestNode* m_Right = add(QStringLiteral("right"), {90, -60}, {100, 40});
     QGraphicsRectItem* m_Probe = new QGraphicsRectItem(45, 15, 10, 10, m_Node);
     QPointer<OrvNgEdge> m_Edge;
 };
@@ -118,7 +109,6 @@ private Q_SLOTS:
         row("plain press on an unselected node selects it alone", none, false, true, false, true);
         row("plain press on a selected node keeps all", none, true, true, true, true);
         row("Shift adds", shift, false, true, true, true);
-        row("Shift keeps", shift, true, true, true, true);
         row("Control removes", control, true, false, true, false);
         row("Control on an unselected node does nothing", control, false, false, true, false);
         row("both switch off", shift | control, true, false, true, false);
@@ -134,9 +124,7 @@ private Q_SLOTS:
         QFETCH(bool, otherIsSelected);
         QFETCH(bool, drags);
         CalmStage stage;
-        auto* other = new TestNode;
-        stage.m_Scene.addItem(other);
-        other->setPos(-50, 40);
+        TestNode* other = stage.add(QStringLiteral("other"), {-50, 40});
         const QPointF step(30, -10);
         for (const QPoint& end : {kOnNode, kOnNode + step.toPoint()}) {
             stage.m_Node->setSelected(wasSelected);
@@ -154,16 +142,6 @@ private Q_SLOTS:
         QCOMPARE(stage.m_Node->previousPosition(), QPointF(-50, -20));
     }
 
-    void nodesThatCannotBeSelected_areDraggedAlone()
-    {
-        CalmStage stage;
-        stage.m_Node->setFlag(QGraphicsItem::ItemIsSelectable, false);
-        stage.press(kOnNode, Qt::LeftButton, Qt::ControlModifier);
-        stage.move(kOnNode + QPoint(7, 8), Qt::LeftButton, Qt::ControlModifier);
-        QCOMPARE(stage.m_Node->pos(), QPointF(-43, -12));
-        QVERIFY(!stage.m_Node->isSelected());
-    }
-
     void drag_highlightsTheEdgeUnderTheProbe()
     {
         InsertionStage stage;
@@ -171,7 +149,6 @@ private Q_SLOTS:
         OrvNgEdge* second = stage.m_Right->input(kFree);
         second->setSourceNode(stage.m_Left, kOut); // on the very line of the first
         second->setZValue(stage.m_Edge->zValue() - 0.5);
-        stage.m_Node->setInsertionProbe(stage.m_Right->box()); // no child: the old one stays
         stage.dragOntoEdge();
         QVERIFY(!stage.isLit(second));
         stage.move(QPoint(200, 190), Qt::LeftButton);
@@ -201,18 +178,14 @@ private Q_SLOTS:
         const TestTable<Deed> row("change");
         row("auto-insert is off", [](InsertionStage& s) { s.m_View.m_AutoInsert = false; });
         row("no probe", [](InsertionStage& s) { s.m_Node->setInsertionProbe(nullptr); });
-        row("the probe is deleted", [](InsertionStage& s) { delete s.m_Probe; });
-        row("no input is free",
-            [](InsertionStage& s) { s.m_Node->input(kFree)->setSourceNode(s.m_Left, kOut); });
+        row("no input is free", [](InsertionStage& s) { s.m_Node->removeInput(kFree); });
         row("no output", [](InsertionStage& s) { s.m_Node->removeOutputPoint(kOut); });
         row("a wide probe, but all edges are the node's own", [](InsertionStage& s) {
             s.m_Probe->setRect(-200, -200, 500, 440);
             s.m_Edge->setSourceNode(s.m_Node, kOut);
         });
-        row("an edge without a source",
-            [](InsertionStage& s) { s.m_Edge->setSourceNode(nullptr, QString()); });
-        row("only the node, not its probe, touches the edge",
-            [](InsertionStage& s) { s.m_Probe->setPos(0, 30); });
+        row("no source", [](InsertionStage& s) { s.m_Edge->setSourceNode(nullptr, {}); });
+        row("only the node touches it", [](InsertionStage& s) { s.m_Probe->setPos(0, 30); });
     }
     void drag_highlightsNoOtherEdge()
     {
@@ -251,26 +224,22 @@ private Q_SLOTS:
         inner->setZValue(-9);
         stage.m_Scene.addItem(outer);
         stage.m_Scene.addItem(inner);
-        const auto lit = [&] { return QPair<int, int>(outer->m_Highlights, inner->m_Highlights); };
-        using Lit = QPair<int, int>;
-        const auto moveTwiceTo = [&](const QPoint& pos) {
+        const auto litAt = [&](const QPoint& pos) { // however often the mouse moves
             stage.move(pos, Qt::LeftButton);
             stage.move(pos, Qt::LeftButton);
+            return QPoint(outer->m_Highlights, inner->m_Highlights);
         };
-
-        stage.press(kOnNode, Qt::LeftButton);
-        moveTwiceTo(kOnNode - QPoint(5, 0));
-        QCOMPARE(lit(), Lit(0, 1));
-        moveTwiceTo(kOnNode + QPoint(20, 0)); // only partly in the inner one
-        QCOMPARE(lit(), Lit(1, 0));
-        stage.release(kOnNode + QPoint(20, 0), Qt::LeftButton);
-        QCOMPARE(lit(), Lit(0, 0));
-
-        stage.press(kOnNode, Qt::LeftButton);
-        moveTwiceTo(kOnNode);
-        QCOMPARE(lit(), Lit(1, 0));
-        stage.m_Node->ungrabMouse(); // the drag is cut off
-        QCOMPARE(lit(), Lit(0, 0));
+        for (const bool cutOff : {false, true}) {
+            stage.m_Node->setPos(-50, -20);
+            stage.press(kOnNode, Qt::LeftButton);
+            QCOMPARE(litAt(kOnNode - QPoint(5, 0)), QPoint(0, 1));
+            QCOMPARE(litAt(kOnNode + QPoint(20, 0)), QPoint(1, 0)); // only partly in the inner one
+            if (cutOff)
+                stage.m_Node->ungrabMouse();
+            else
+                stage.release(kOnNode + QPoint(20, 0), Qt::LeftButton);
+            QCOMPARE(outer->m_Highlights + inner->m_Highlights, 0);
+        }
     }
 
     void hostDeletesDuringADrag_data()
@@ -279,64 +248,26 @@ private Q_SLOTS:
         row("the node", false, [](InsertionStage& s) { delete s.m_Node; });
         row("the node, later", false, [](InsertionStage& s) { s.m_Node->destroy(); });
         row("all items", false, [](InsertionStage& s) { s.m_Scene.clear(); });
-        row("the highlighted edge", true, [](InsertionStage& s) { delete s.m_Edge; });
-        row("the highlighted edge, later", true, [](InsertionStage& s) { s.m_Edge->destroy(); });
+        row("the edge", true, [](InsertionStage& s) { delete s.m_Edge; });
         row("the node at its end", true, [](InsertionStage& s) { delete s.m_Right; });
-        row("the node from the scene", true,
-            [](InsertionStage& s) { s.m_Scene.removeItem(s.m_Node); });
     }
-
-    /// From a slot of the selection that the press clears, then between two moves of the drag.
+    /// From a slot of the selection that the press clears.
     void hostDeletesDuringADrag()
     {
         QFETCH(Deed, deed);
-        QFETCH(bool, nodeLives);
-        for (const bool atPress : {true, false}) {
-            InsertionStage stage;
-            const QPointer<OrvNgNode> node(stage.m_Node);
-            const QPoint onEdge = stage.m_View.mapFromScene(stage.middle(stage.m_Edge));
-            if (atPress) {
-                stage.m_Left->setSelected(true);
-                QObject context;
-                QObject::connect(&stage.m_Scene, &QGraphicsScene::selectionChanged, &context, [&] {
-                    stage.m_Scene.disconnect(&context);
-                    deed(stage);
-                });
-                stage.press(kOnNode, Qt::LeftButton);
-            } else {
-                stage.dragOntoEdge();
-                deed(stage);
-            }
-            stage.move(onEdge + QPoint(3, 0), Qt::LeftButton);
-            flushEvents();
-            QCOMPARE(!node.isNull(), nodeLives);
-            stage.move(onEdge + QPoint(5, 0), Qt::LeftButton);
-            if (stage.m_Edge && stage.m_Edge->scene())
-                QVERIFY(!stage.isLit(stage.m_Edge));
-            stage.release(onEdge, Qt::LeftButton);
-            if (node) {
-                QVERIFY(!node->highlightedEdge());
-                node->processAutoinsert();
-                QVERIFY(node->input(kFree) && !node->input(kFree)->sourceNode());
-            }
-            QVERIFY(!stage.m_Scene.mouseGrabberItem());
-            if (node && !node->scene())
-                delete node;
-        }
-    }
-
-    void frameDeletesTheNodeItHolds()
-    {
-        CalmStage stage;
-        auto* frame = new Frame(QRectF(-190, -90, 380, 180));
-        stage.m_Scene.addItem(frame);
-        frame->m_Victim = stage.m_Node;
-        stage.press(kOnNode, Qt::LeftButton);
-        stage.move(kOnNode + QPoint(5, 5), Qt::LeftButton);
-        QVERIFY(!frame->m_Victim);
-        stage.move(kOnNode + QPoint(9, 5), Qt::LeftButton);
-        stage.release(kOnNode, Qt::LeftButton);
-        QCOMPARE(frame->pos(), QPointF(-190, -90));
+        InsertionStage stage;
+        const QPointer<OrvNgNode> node(stage.m_Node);
+        const QPoint onEdge = stage.m_View.mapFromScene(stage.middle(stage.m_Edge));
+        stage.m_Left->setSelected(true);
+        connect(&stage.m_Scene, &QGraphicsScene::selectionChanged, stage.m_Left, [&] {
+            stage.m_Scene.disconnect(stage.m_Left);
+            deed(stage);
+        });
+        stage.drag({kOnNode, onEdge});
+        flushEvents();
+        QTEST(!node.isNull(), "nodeLives");
+        stage.move(onEdge + QPoint(5, 0), Qt::LeftButton);
+        stage.release(onEdge, Qt::LeftButton);
         QVERIFY(!stage.m_Scene.mouseGrabberItem());
     }
 
@@ -369,11 +300,6 @@ private Q_SLOTS:
         const QList<QPair<QPointF, QPointF>> expected{
             {{30, 40}, {30, 40}}, {{105, 5}, {105, 5}}, {{3, 4}, onGrid}, {{1, 2}, {1, 2}}};
         QCOMPARE(heard, expected);
-
-        delete node;
-        stack.redo();
-        stack.undo();
-        QCOMPARE(heard.size(), 4);
     }
 };
 

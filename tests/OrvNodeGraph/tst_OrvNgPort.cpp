@@ -1,15 +1,10 @@
 #include "OrvNodeGraph/OrvNgInputPort.h"
 #include "OrvNodeGraph/OrvNgOutputPort.h"
-#include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/ExtendedRig.h"
-#include "support/TestTable.h"
 
 #include <QtTest>
 
 namespace {
-
-constexpr double kSquareWidth = 12.0;
-constexpr double kSquareHeight = 18.0;
 
 /// The last column before a limit in which the port paints something; -1 for none.
 int lastPaintedColumn(OrvNgPort& port, int limit, double scale = 1.0)
@@ -34,8 +29,8 @@ private Q_SLOTS:
     {
         ExtendedRig rig;
         OrvNgOutputPort port(rig.m_Node, kOut, kOut);
-        port.setGeometry(QRectF(0, 30, 300, kSquareHeight));
-        QCOMPARE(port.portRect(), QRectF(300 - kSquareWidth, 0, kSquareWidth, kSquareHeight));
+        port.setGeometry(QRectF(0, 30, 300, 18));
+        QCOMPARE(port.portRect(), QRectF(288, 0, 12, 18));
         QCOMPARE(port.portCenterPos(), QPointF(294, 9));
         QCOMPARE(port.portRectMappedToParent().topLeft(), QPointF(288, 30));
         // The text ends two units before the square, and is left out far away.
@@ -65,18 +60,13 @@ private Q_SLOTS:
         port.setVisible(false);
         QVERIFY(port.boundingRect().isEmpty());
         QCOMPARE(port.mapToParent(port.portCenterPos()), rig.m_Node->boundingRect().center());
-        QCOMPARE(painted(port).pixelColor(6, 9).alpha(), 0);
         port.setText(QStringLiteral("a far longer text than before"));
         QCOMPARE(port.maximumHeight(), 0.0);
-        QCOMPARE(port.minimumWidth(), 0.0);
-
         // Shown as a plain item it gets its room too.
         static_cast<QGraphicsItem&>(port).setVisible(true);
         QCOMPARE(port.maximumHeight(), port.boundingRect().height());
         QCOMPARE(port.minimumWidth(), port.boundingRect().width());
-        QVERIFY(port.minimumWidth() > 4 * kSquareWidth);
-        static_cast<QGraphicsItem&>(port).setVisible(false);
-        QCOMPARE(port.maximumHeight(), 0.0);
+        QVERIFY(port.minimumWidth() > 48);
     }
 };
 

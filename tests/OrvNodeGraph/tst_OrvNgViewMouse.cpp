@@ -11,9 +11,6 @@
 #include <QSignalSpy>
 #include <QUndoStack>
 
-#include <functional>
-#include <memory>
-
 namespace {
 
 constexpr int kShift = Qt::ShiftModifier;
@@ -44,35 +41,37 @@ struct CuttingStage : ViewStage
         OrvUndoManager::instance().undoStack()->clear();
         flushEvents();
     }
-    int connectedEdges() const
-    {
-        return int(std::count_if(m_Edges.cbegin(), m_Edges.cend(),
-            [](OrvNgEdge* edge) { return edge->isFullConnected(); }));
-    }
     QColor color(int edge) { return m_Edges.at(edge)->mainEdge()->pen().color(); }
 };
 
-QString texts(const QList<QGraphicsItem*>& items)
+QString texts(const QList<QGraphicsItem*>& items, bool isSorted = false)
 {
-    QString all;
+    QStringList all;
     for (QGraphicsItem* item : items) {
         if (auto* node = dynamic_cast<OrvNgNode*>(item))
             all += node->text();
     }
-    return all;
+    if (isSorted)
+        all.sort();
+    return all.join(QString());
 }
 
-QString sorted(QString text)
+const char* const kEndings[] = {"focus", "hide", "no scene", "right button", "lost release"};
+
+const struct Begin
 {
-    std::sort(text.begin(), text.end());
-    return text;
-}
-
-using Begin = std::function<void(ViewStage&)>;
+    const char* m_Name;
+    Qt::MouseButton m_Button;
+    QPoint m_From, m_To;
+    int m_Modifiers = 0;
+} kBegins[] = {{"band", Qt::LeftButton, {5, 5}, {60, 190}},
+    {"cut", Qt::LeftButton, {5, 50}, {390, 50}},
+    {"cut, no path", Qt::RightButton, {5, 50}, {5, 50}},
+    {"drag", Qt::LeftButton, {350, 100}, {340, 125}}, {"hover", Qt::NoButton, {90, 90}, {350, 100}},
+    {"pan", Qt::MiddleButton, {50, 50}, {60, 60}},
+    {"zoom", Qt::MiddleButton, {50, 50}, {60, 60}, Qt::AltModifier}};
 
 } // namespace
-
-Q_DECLARE_METATYPE(Begin)
 
 class tst_OrvNgViewMouse : public QObject
 {
@@ -102,21 +101,22 @@ private Q_SLOTS:
         stage.add(q("D"), {150, 50});
         static_cast<QGraphicsItem*>(c)->setSelected(true);
         static_cast<QGraphicsItem*>(b)->setSelected(true);
-        const auto selected = [&] { return texts(stage.m_View.sortedSelection()); };
+        const auto selected
+            = [&](bool isSorted) { return texts(stage.m_View.sortedSelection(), isSorted); };
 
         stage.press({2, 2}, Qt::LeftButton, modifiers);
-        QTEST(selected(), "afterPress");
+        QTEST(selected(false), "afterPress");
         stage.move({4, 3}, Qt::LeftButton, modifiers); // not far enough for a band
-        QTEST(selected(), "afterPress");
+        QTEST(selected(false), "afterPress");
         stage.move({20, 198}, Qt::LeftButton, modifiers);
         stage.move({100, 198}, Qt::LeftButton, modifiers);
-        QTEST(sorted(selected()), "inBand");
+        QTEST(selected(true), "inBand");
         stage.move({100, 20}, Qt::LeftButton, modifiers);
-        QTEST(sorted(selected()), "afterLeaving");
+        QTEST(selected(true), "afterLeaving");
         stage.move({100, 198}, Qt::LeftButton, modifiers);
         stage.release({100, 198}, Qt::LeftButton);
         stage.move({399, 199}, Qt::NoButton);
-        QTEST(sorted(selected()), "inBand");
+        QTEST(selected(true), "inBand");
     }
 
     /// What was selected at the press goes while the band is open; then a slot deletes one of the
@@ -125,9 +125,8 @@ private Q_SLOTS:
     {
         ViewStage stage;
         QGraphicsItem* rectangle = stage.m_Scene.addRect(100, 50, 20, 20);
-        TestNode* kept = stage.add(q("K"), {150, 80});
-        for (QGraphicsItem* item : {rectangle, static_cast<QGraphicsItem*>(stage.m_Node->box()),
-                 static_cast<QGraphicsItem*>(kept)}) {
+        for (QGraphicsItem* item :
+            QList<QGraphicsItem*>{rectangle, stage.m_Node->box(), stage.add(q("K"), {150, 80})}) {
             item->setFlag(QGraphicsItem::ItemIsSelectable);
             item->setSelected(true);
         }
@@ -139,84 +138,50 @@ private Q_SLOTS:
 
         QList<QPointer<TestNode>> pair{
             stage.add(q("A"), {-180, -50}), stage.add(q("B"), {-150, -50})};
-        int deletions = 0;
         connect(&stage.m_Scene, &QGraphicsScene::selectionChanged, &stage.m_View, [&] {
-            for (int i = 0; i < 2 && !deletions; ++i) {
-                if (pair.at(i)->isSelected() && ++deletions)
-                    delete pair.at(1 - i);
-            }
+            if (pair.at(0) && pair.at(1))
+                delete pair.at(pair.at(0)->isSelected() ? 1 : 0);
         });
         stage.move({100, 198}, Qt::LeftButton, kShift);
-        QCOMPARE(deletions, 1);
         QCOMPARE(stage.m_View.sortedSelection().size(), 2);
     }
 
     void everyGesture_endsWithItsView_data()
     {
-        const TestTable<Begin, QString> row("begin", "ending");
-        const auto onEmpty = [](ViewStage& s) { s.drag({{5, 5}, {30, 30}, {60, 190}}); };
-        const auto cutting = [](ViewStage& s) {
-            s.m_View.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
-            s.drag({{5, 50}, {100, 60}, {390, 50}});
-        };
-        const auto dragging = [](ViewStage& s) { s.drag({{200, 100}, {230, 110}, {190, 95}}); };
-        const auto hovering = [](ViewStage& s) { s.move({200, 100}, Qt::NoButton); };
-        const auto panning = [](ViewStage& s) {
-            s.press({50, 50}, Qt::MiddleButton);
-            s.move({60, 60}, Qt::MiddleButton);
-        };
-        const auto zooming = [](ViewStage& s) {
-            s.press({50, 50}, Qt::MiddleButton, Qt::AltModifier);
-            s.move({60, 60}, Qt::MiddleButton);
-        };
-        const auto holdingRight = [](ViewStage& s) {
-            s.m_View.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
-            s.press({5, 50}, Qt::RightButton);
-        };
-        const QList<QPair<const char*, Begin>> begins{{"band", onEmpty}, {"cut", cutting},
-            {"cut without path", holdingRight}, {"drag", dragging}, {"hover", hovering},
-            {"pan", panning}, {"zoom", zooming}};
-        for (const auto& begin : begins) {
-            for (const char* ending : {"focus", "hide", "no scene", "other scene", "deleted scene",
-                     "right button", "lost release"})
-                row(qPrintable(q("%1, %2").arg(q(begin.first), q(ending))), begin.second, ending);
+        QTest::addColumn<int>("begin");
+        QTest::addColumn<QString>("ending");
+        for (int i = 0; i < 7; ++i) {
+            for (const char* ending : kEndings)
+                QTest::addRow("%s, %s", kBegins[i].m_Name, ending) << i << q(ending);
         }
     }
 
     void everyGesture_endsWithItsView()
     {
-        QFETCH(Begin, begin);
+        QFETCH(int, begin);
         QFETCH(QString, ending);
-        auto scene = std::make_unique<QGraphicsScene>();
-        QGraphicsScene other;
         CuttingStage stage;
         TestView& view = stage.m_View;
-        view.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_NONE);
         view.setShakeDetectionEnabled(true);
-        // In a scene that can go before the view.
-        auto* node = new TestNode(q("N"));
-        scene->addItem(node);
-        node->setPos(-50, -20);
-        other.addRect(-400, -400, 800, 800)->setPen(Qt::NoPen);
-        view.setScene(scene.get());
-        view.centerViewOn(QPointF(0, 0), true);
-        begin(stage);
+        TestNode* node = stage.add(q("N"), {120, -20}, {60, 40});
+        const Begin& b = kBegins[begin];
+        view.setCursorTrackingMode(q(b.m_Name).startsWith(q("cut"))
+                ? OrvNgView::CURSOR_TRACKING_SEVER_EDGES
+                : OrvNgView::CURSOR_TRACKING_NONE);
+        if (b.m_Button)
+            stage.press(b.m_From, b.m_Button, b.m_Modifiers);
+        for (const QPoint& pos : {(b.m_From + b.m_To) / 2, b.m_To})
+            stage.move(pos, b.m_Button);
 
         if (ending == q("focus")) {
             QFocusEvent event(QEvent::FocusOut);
             QApplication::sendEvent(&view, &event);
-            QVERIFY(!node->hovered());
         } else if (ending == q("hide")) {
             view.hide();
             view.show();
-            QVERIFY(!scene->mouseGrabberItem());
-            QVERIFY(!node->hovered());
+            QVERIFY(!stage.m_Scene.mouseGrabberItem());
         } else if (ending == q("no scene")) {
             view.setScene(nullptr);
-        } else if (ending == q("other scene")) {
-            view.setScene(&other);
-        } else if (ending == q("deleted scene")) {
-            scene.reset();
         } else if (ending == q("lost release")) {
             view.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_NONE);
             QVERIFY(stage.isAtRest());
@@ -224,6 +189,7 @@ private Q_SLOTS:
             stage.press({100, 30}, Qt::RightButton);
             stage.release({100, 30}, Qt::RightButton);
         }
+        QVERIFY((ending != q("focus") && ending != q("hide")) || !node->hovered());
         stage.move({120, 120}, Qt::LeftButton);
         stage.release({120, 120}, Qt::LeftButton);
         stage.release({120, 120}, Qt::MiddleButton);
@@ -232,13 +198,12 @@ private Q_SLOTS:
         QVERIFY(view.cursorTrackingMode() != OrvNgView::CURSOR_TRACKING_SHAKE);
 
         // All is as before: a band selects what it meets.
+        stage.m_Scene.clearSelection();
+        delete node;
         view.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_NONE);
         view.setScene(&stage.m_Scene);
         view.centerViewOn(QPointF(0, 0), true);
         QVERIFY(stage.isAtRest());
-        stage.drag({{399, 50}, {380, 60}, {2, 70}});
-        stage.release({2, 70}, Qt::LeftButton);
-        QCOMPARE(view.sortedSelection().size(), 0);
         stage.drag({{399, 50}, {380, 60}, {2, 199}});
         QCOMPARE(texts(view.sortedSelection()), q("node"));
         stage.release({2, 199}, Qt::LeftButton);
@@ -250,10 +215,8 @@ private Q_SLOTS:
         TestNode* beside = stage.add(q("B"), {-150, -50});
         QPointer<TestNode> third = stage.add(q("C"), {150, -50});
         stage.move({200, 100}, Qt::NoButton);
-        QVERIFY(stage.m_Node->hovered());
         stage.move({60, 60}, Qt::NoButton);
-        QVERIFY(!stage.m_Node->hovered());
-        QVERIFY(beside->hovered());
+        QVERIFY(!stage.m_Node->hovered() && beside->hovered());
         connect(beside, &OrvNgNode::hoveredChanged, &stage.m_View, [&] { delete third; });
         stage.move({360, 60}, Qt::NoButton); // the node under the cursor goes in this move
         QVERIFY(!beside->hovered());
@@ -286,7 +249,6 @@ private Q_SLOTS:
     {
         CuttingStage stage;
         const QColor plain = stage.color(0);
-        const QImage clean = stage.picture();
         QStringList freed;
         connect(stage.m_Node, &OrvNgNode::inputSourceChanged, &stage.m_View,
             [&](OrvNgNode* source, const QString&, const QString& input) {
@@ -294,13 +256,12 @@ private Q_SLOTS:
                 OrvUndoManager::instance().push(new QUndoCommand);
             });
         stage.drag(stage.m_Across.mid(0, 2));
-        const QColor severed = OrvNgStyle::instance().getSeveredEdgeColor();
-        QCOMPARE(stage.color(0), severed);
+        QCOMPARE(stage.color(0), OrvNgStyle::instance().getSeveredEdgeColor());
         QCOMPARE(stage.color(1), plain);
         stage.m_View.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_NONE); // the key is let go
         stage.release(stage.m_Across.last(), Qt::LeftButton);
         QCOMPARE(stage.color(0), plain);
-        QCOMPARE(stage.connectedEdges(), 3);
+        QVERIFY(freed.isEmpty());
 
         stage.m_View.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
         stage.press(stage.m_Across.first(), Qt::LeftButton);
@@ -309,18 +270,14 @@ private Q_SLOTS:
         QCOMPARE(stack->count(), 0);
 
         stage.drag(stage.m_Across);
-        const QImage drawn = stage.picture();
-        QVERIFY(drawn.copy(80, 95, 20, 15) != clean.copy(80, 95, 20, 15));
-        QCOMPARE(drawn.copy(80, 120, 20, 60), clean.copy(80, 120, 20, 60));
         QVERIFY(stage.wheel(0, 120)); // swallowed
         QCOMPARE(stage.m_View.scaleNow(), 1.0);
         stage.release(stage.m_Across.last(), Qt::LeftButton);
-        QCOMPARE(stage.connectedEdges(), 0);
+        QVERIFY(!stage.m_Edges.at(0)->isFullConnected());
         freed.sort();
         QCOMPARE(freed, (QStringList{q("in0"), q("in1"), q("in2")}));
         QCOMPARE(stack->count(), 1);
         QCOMPARE(stack->undoText(), q("Disconnect 3 Edges"));
-        QVERIFY(stage.m_View.isInteractive());
         QCOMPARE(stage.m_View.cursorTrackingMode(), OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
     }
 
@@ -340,13 +297,12 @@ private Q_SLOTS:
         stage.release(stage.m_Across.last(), Qt::LeftButton);
         QCOMPARE(notified, 1);
         QCOMPARE(stage.m_Node->inputCount(), 1);
-        QVERIFY(stage.m_View.isInteractive());
     }
 
     void pickUpEdge_carriesAndDrops()
     {
         ViewStage stage;
-        stage.m_Node->setPos(-5000, 0);
+        delete stage.m_Node;
         auto* node = new OrvNgExtendedNode(nullptr);
         stage.m_Scene.addItem(node);
         node->createInput(q("a"), false, {});
@@ -357,12 +313,10 @@ private Q_SLOTS:
         stage.m_View.pickUpEdge(pos);
         OrvNgEdge* edge = node->input(q("a"));
         QVERIFY(edge->isGrabbedFromPort());
-        QCOMPARE(stage.m_Scene.mouseGrabberItem(), edge);
         stage.move(pos + QPoint(150, 60), Qt::NoButton);
         QCOMPARE(stage.m_Scene.mouseGrabberItem(), edge); // it needs no button
         stage.m_View.pickUpEdge(pos + QPoint(150, 60));
-        QVERIFY(!edge->isGrabbedFromPort());
-        QVERIFY(!stage.m_Scene.mouseGrabberItem());
+        QVERIFY(!edge->isGrabbedFromPort() && !stage.m_Scene.mouseGrabberItem());
 
         // The menu of a drop takes the focus and gives it back; whoever else takes it ends the drag.
         stage.m_View.pickUpEdge(pos);
@@ -371,8 +325,7 @@ private Q_SLOTS:
             QFocusEvent event(QEvent::FocusOut, reason);
             QCoreApplication::sendEvent(&stage.m_View, &event);
         }
-        QVERIFY(!edge->isDragging());
-        QVERIFY(!stage.m_Scene.mouseGrabberItem());
+        QVERIFY(!edge->isDragging() && !stage.m_Scene.mouseGrabberItem());
     }
 };
 

@@ -2,11 +2,8 @@
 
 #include <OrvCore/OrvResourceInfo.h>
 
-#include <QDir>
-#include <QMetaProperty>
 #include <QRegularExpression>
 #include <QSettings>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -17,8 +14,6 @@ QString operator""_q(const char* text, std::size_t size)
     return QString::fromUtf8(text, int(size));
 }
 
-const QString kStyleSheet = "docs/style-sheet.md"_q;
-const QString kInBackticks = "`([^`\\n]+)`"_q;
 const QStringList kFromSheet{"file"_q, "read-only"_q};
 
 QString read(const QString& path)
@@ -27,52 +22,32 @@ QString read(const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-QStringList matches(const QString& text, const QString& pattern)
+QStringList backticked(const QString& text)
 {
     QStringList found;
-    auto match = QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(text);
+    auto match = QRegularExpression("`([^`\\n]+)`"_q).globalMatch(text);
     while (match.hasNext())
         found += match.next().captured(1);
     return found;
 }
 
-QStringList sorted(QStringList names)
-{
-    names.sort();
-    return names;
-}
-
-/// A row of a table: the name that its first cell begins with, and what stands in backticks in its
+/// Of tables below headings: the name that the first cell begins with, and what stands in backticks in the
 /// second. Below a heading in brackets, a group of the file, the name is "group/name".
-struct Row
+QMultiMap<QString, QStringList> rowsBelow(const QString& headingStart)
 {
-    QString m_Name;
-    QStringList m_Values;
-};
-
-QVector<Row> rowsBelow(const QString& document, const QString& headingStart)
-{
-    QVector<Row> rows;
+    QMultiMap<QString, QStringList> rows;
     QString heading;
-    for (const QString& line : read(document).split(u'\n')) {
+    for (const QString& line : read("docs/style-sheet.md"_q).split(u'\n')) {
         if (line.startsWith(u'#'))
             heading = line.section(u' ', 1);
         if (!line.startsWith("| `"_q) || !heading.startsWith(headingStart))
             continue;
-        QString name = matches(line.section(u'|', 1, 1), kInBackticks).value(0);
-        if (heading.startsWith(u'['))
-            name.prepend(heading.mid(1).chopped(1) + u'/');
-        rows.append({name, matches(line.section(u'|', 2, 2), kInBackticks)});
+        const QString group
+            = heading.startsWith(u'[') ? heading.mid(1).chopped(1) + u'/' : QString();
+        rows.insert(group + backticked(line.section(u'|', 1, 1)).value(0),
+            backticked(line.section(u'|', 2, 2)));
     }
     return rows;
-}
-
-QStringList namesOf(const QVector<Row>& rows)
-{
-    QStringList names;
-    for (const Row& row : rows)
-        names += row.m_Name;
-    return sorted(names);
 }
 
 /// The names of the properties of a source ("file", "derived" …), with their group where they have one.
@@ -84,7 +59,8 @@ QStringList properties(const QStringList& sources)
         if (!line.startsWith(u'#') && sources.contains(words.value(2)))
             names += (words.value(3) == "-"_q ? QString() : words.value(3) + u'/') + words.at(0);
     }
-    return sorted(names);
+    names.sort();
+    return names;
 }
 
 QVariant styleValue(const QString& name)
@@ -100,14 +76,12 @@ QVariant styleValue(const QString& name)
 QVariant otherThan(const QVariant& value)
 {
     const QColor color(1, 2, 3, 4);
-    if (value.userType() == qMetaTypeId<OrvColor>())
-        return QVariant::fromValue(OrvColor(color));
-    if (value.userType() == QMetaType::QColor)
-        return color;
-    if (value.userType() == qMetaTypeId<QPair<QColor, QColor>>())
-        return QVariant::fromValue(qMakePair(color, color));
-    if (value.userType() == QMetaType::QPoint || value.userType() == QMetaType::QPointF)
-        return QPoint(987, 654);
+    for (const QVariant& other : {QVariant::fromValue(OrvColor(color)), QVariant(color),
+             QVariant::fromValue(qMakePair(color, color)), QVariant(QPoint(987, 654)),
+             QVariant(QPointF(987, 654))}) {
+        if (other.userType() == value.userType())
+            return other;
+    }
     return value.toInt() + 7;
 }
 
@@ -130,8 +104,9 @@ private Q_SLOTS:
             m_Dir.filePath("settings/NodeGraphStyleSheetVer3.ini"_q)));
         QSettings sheet(
             m_Dir.filePath("settings/DefaultNodeGraphStyleSheet.conf"_q), QSettings::IniFormat);
-        for (const Row& row : rowsBelow(kStyleSheet, "["_q))
-            sheet.setValue(row.m_Name, row.m_Values.value(0));
+        const auto rows = rowsBelow("["_q);
+        for (auto row = rows.begin(); row != rows.end(); ++row)
+            sheet.setValue(row.key(), row.value().value(0));
         sheet.sync();
         OrvResourceInfo::instance().setResourceRoot(m_Dir.path());
     }
@@ -139,7 +114,7 @@ private Q_SLOTS:
     void styleSheet_listsEveryKeyInItsGroupWithItsDefault()
     {
         OrvNgStyle& style = OrvNgStyle::instance();
-        const QStringList keys = namesOf(rowsBelow(kStyleSheet, "["_q));
+        const QStringList keys = rowsBelow("["_q).keys();
         QCOMPARE(keys, properties(kFromSheet));
         for (const QString& key : keys) {
             const QByteArray name = key.section(u'/', 1).toLatin1();
@@ -153,25 +128,24 @@ private Q_SLOTS:
     void styleSheet_saysWhatIsMadeOfWhat()
     {
         OrvNgStyle& style = OrvNgStyle::instance();
-        const QVector<Row> rows = rowsBelow(kStyleSheet, "Brushes and pens made of them"_q);
+        const auto rows = rowsBelow("Brushes and pens made of them"_q);
         QStringList expected = properties({"derived"_q, "unset"_q});
         for (const QByteArray& name : style.dynamicPropertyNames())
             expected += QString::fromLatin1(name);
-        QCOMPARE(namesOf(rows), sorted(expected));
+        expected.sort();
+        QCOMPARE(rows.keys(), expected);
 
         for (const QString& path : properties(kFromSheet)) {
             const QString key = path.section(u'/', 1);
-            QVariantList before;
-            for (const Row& row : rows)
-                before.append(styleValue(row.m_Name));
+            QHash<QString, QVariant> before;
+            for (const QString& name : expected)
+                before[name] = styleValue(name);
             const QVariant value = styleValue(key);
             style.setProperty(key.toLatin1().constData(), otherThan(value));
             Q_EMIT style.colorsUpdated();
-            for (int i = 0; i < rows.size(); ++i) {
-                const bool isChanged = before.at(i) != styleValue(rows.at(i).m_Name);
-                QVERIFY2(isChanged == rows.at(i).m_Values.contains(key),
-                    qPrintable(key + " changes "_q + rows.at(i).m_Name));
-            }
+            for (const QString& name : expected)
+                QVERIFY2((before[name] != styleValue(name)) == rows.value(name).contains(key),
+                    qPrintable(key + " changes "_q + name));
             style.setProperty(key.toLatin1().constData(), value);
             Q_EMIT style.colorsUpdated();
         }
@@ -179,17 +153,16 @@ private Q_SLOTS:
 
     void styleSheet_givesTheFixedValues()
     {
-        const QVector<Row> rows = rowsBelow(kStyleSheet, "Fixed values"_q);
-        QCOMPARE(namesOf(rows), properties({"fixed"_q}));
-        for (const Row& row : rows) {
-            const QVariant value = styleValue(row.m_Name);
+        const auto rows = rowsBelow("Fixed values"_q);
+        QCOMPARE(rows.keys(), properties({"fixed"_q}));
+        for (auto row = rows.begin(); row != rows.end(); ++row) {
+            const QVariant value = styleValue(row.key());
             const auto color = value.value<QColor>();
-            const QString channels = "(%1,%2,%3,%4)"_q.arg(color.red())
-                                         .arg(color.green())
-                                         .arg(color.blue())
-                                         .arg(color.alpha());
-            QCOMPARE(row.m_Values.value(0),
-                color.isValid() ? channels : QString::number(value.toFloat()));
+            const QString channels
+                = "(%1,%2,%3,"_q.arg(color.red()).arg(color.green()).arg(color.blue());
+            QCOMPARE(row.value().value(0),
+                color.isValid() ? channels + QString::number(color.alpha()) + u')'
+                                : QString::number(value.toFloat()));
         }
     }
 

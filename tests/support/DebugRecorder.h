@@ -2,10 +2,8 @@
 
 #include "OrvCore/OrvDebug.h"
 
-#include <QList>
 #include <QStringList>
 
-#include <algorithm>
 #include <utility>
 
 /// Collects the reports made while it lives, instead of the handler before it, which it restores at
@@ -22,16 +20,14 @@ public:
         QString file;
         int line = 0;
         QString message;
-        bool fatal = false;
-        bool showDialog = false;
     };
 
     DebugRecorder()
     {
-        m_Previous = OrvSetDebugHandler([this](const QString& file, int line,
-                                            const QString& message, bool fatal, bool showDialog) {
-            m_Reports.append({file, line, message, fatal, showDialog});
-        });
+        m_Previous = OrvSetDebugHandler(
+            [this](const QString& file, int line, const QString& message, bool, bool) {
+                m_Reports.append({file, line, message});
+            });
     }
     ~DebugRecorder() { OrvSetDebugHandler(std::move(m_Previous)); }
 
@@ -46,11 +42,7 @@ public:
     }
 
     /// How often exactly this message was reported.
-    int count(const QString& message) const
-    {
-        return static_cast<int>(std::count_if(m_Reports.cbegin(), m_Reports.cend(),
-            [&message](const Report& report) { return report.message == message; }));
-    }
+    int count(const QString& message) const { return messages().count(message); }
 
     void clear() { m_Reports.clear(); }
 

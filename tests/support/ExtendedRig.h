@@ -4,8 +4,6 @@
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 
-#include <QCoreApplication>
-#include <QEvent>
 #include <QGraphicsScene>
 #include <QImage>
 #include <QPainter>
@@ -32,21 +30,10 @@ struct ExtendedRig
         m_Source->createOutputPoint(kOut, true);
         m_Source->setPortListMode(Node::PORT_LIST_EXPANDED);
         m_Node->setPos(400, 60);
-        addPoints(*m_Node);
-    }
-    ~ExtendedRig()
-    {
-        m_Scene.clear();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-    Q_DISABLE_COPY(ExtendedRig)
-
-    static void addPoints(Node& node)
-    {
         for (const QString& name : {kA, kB, kC})
-            node.createInput(name, false, {});
+            m_Node->createInput(name, false, {});
         for (const QString& name : {kOut, kRest})
-            node.createOutputPoint(name, true);
+            m_Node->createOutputPoint(name, true);
     }
     void connectInput(const QString& input) { m_Node->input(input)->setSourceNode(m_Source, kOut); }
     void setMode(int mode) { m_Node->setPortListMode(static_cast<Node::PortListMode>(mode)); }
@@ -59,21 +46,18 @@ struct ExtendedRig
         }
         return shown;
     }
-    QPointF inputSquare(const QString& name) const { return squareCentre(m_Node->inputPort(name)); }
+    QPointF inputSquare(const QString& name) const
+    {
+        return m_Node->inputPort(name)->portRectMappedToScene().center();
+    }
     QPointF outputSquare(const QString& name) const
     {
-        return squareCentre(m_Node->outputPort(name));
+        return m_Node->outputPort(name)->portRectMappedToScene().center();
     }
 
     QGraphicsScene m_Scene;
     Node* m_Source = new Node(nullptr);
     Node* m_Node = new Node(nullptr);
-
-private:
-    static QPointF squareCentre(OrvNgPort* port)
-    {
-        return port->mapToScene(port->portRect().center());
-    }
 };
 
 /// An item alone, as it paints itself at a scale; its origin is the image's top-left corner.

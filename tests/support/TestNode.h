@@ -35,7 +35,6 @@ public:
         setNodeBrush(resolvedBrush());
     }
 
-    using OrvNgNode::elidedText;
     using OrvNgNode::setInsertionProbe;
     using OrvNgNode::setNodeBrush;
     using OrvNgNode::updateBounds;
