@@ -83,45 +83,6 @@ private Q_SLOTS:
         }
     }
 
-    void drag_keepsToTheMinimap()
-    {
-        FarStage stage(QPointF(5000, 2000));
-        const QRectF bounds = stage.m_View.visibleNodeBounds();
-        const QRect map = stage.m_View.minimapRect();
-        stage.drag({map.center(), map.center() + QPoint(5, 5)});
-        QVERIFY(!stage.wheel(0, 120)); // nothing else meanwhile
-        stage.move(QPoint(-500, -500), Qt::LeftButton); // beyond its border
-        QVERIFY(isNear(stage.m_View.center(), bounds.topLeft()));
-        stage.release(QPoint(-500, -500), Qt::LeftButton);
-        stage.move(map.center(), Qt::LeftButton);
-        QVERIFY(isNear(stage.m_View.center(), bounds.topLeft()));
-        QVERIFY(!stage.m_Node->isSelected());
-    }
-
-    void allNodesInView_leaveTheCornerToTheScene()
-    {
-        FarStage stage(QPointF(100, 60)); // below the minimap's place
-        const QPoint pos = stage.m_View.mapFromScene(QPointF(165, 88));
-        QVERIFY(stage.m_View.isInMinimap(pos));
-        QVERIFY(!stage.m_View.shouldDisplayMinimap());
-        TestNode* corner = stage.add(q("C"), {155, 78});
-        stage.settle();
-        stage.move(pos, Qt::NoButton);
-        QVERIFY(corner->hovered());
-        QCOMPARE(stage.m_View.mapMinimapPosToScenePos(pos), QPointF(0, 0));
-
-        stage.add(q("outside"), {5000, 0});
-        stage.settle();
-        stage.move(pos + QPoint(1, 0), Qt::NoButton);
-        QVERIFY(!corner->hovered());
-        QVERIFY(stage.m_View.mapMinimapPosToScenePos(pos).x() > 2000);
-
-        stage.m_View.setMinimapVisible(false);
-        stage.m_View.viewport()->repaint();
-        stage.move(pos, Qt::NoButton);
-        QVERIFY(corner->hovered());
-    }
-
     void nodeThatLeavesTheView_bringsTheMinimap()
     {
         FarStage stage({}); // whose node at the corner counts
@@ -131,18 +92,6 @@ private Q_SLOTS:
         // The move itself is painted before the bounds that it changes are known.
         node->setPos(5000, 0);
         QTRY_VERIFY(node->m_InMinimap > 0);
-    }
-
-    void flatBounds_divideByNothing()
-    {
-        ViewStage stage;
-        delete stage.m_Node;
-        stage.add(q("A"), {-3000, 0}, {100, 0});
-        stage.add(q("B"), {3000, 0}, {100, 0});
-        stage.m_View.init();
-        stage.m_View.viewport()->repaint();
-        const QPoint corner = stage.m_View.minimapRect().topRight();
-        QVERIFY(isNear(stage.m_View.mapMinimapPosToScenePos(corner), {3100, 0}, 80));
     }
 
     void picture_isRenderedOnlyWhenStale()
