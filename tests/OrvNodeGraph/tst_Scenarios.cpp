@@ -112,6 +112,7 @@ class Stage : public ViewStage
 {
 public:
     Stage();
+    ~Stage();
     void run(const QString& line);
     QStringList m_Faults;
 
@@ -163,6 +164,7 @@ private:
     QHash<QString, QString> m_Reactions;
     QStringList m_Args;
     QStringList m_MenuEntries;
+    QMap<QByteArray, QVariant> m_Style; ///< what it was
     Qt::MouseButton m_Held = Qt::NoButton;
     DebugRecorder m_Recorder;
     QTimer m_MenuCloser;
@@ -190,6 +192,12 @@ Stage::Stage()
     QCursor::setPos(
         m_View.viewport()->mapToGlobal(QPoint(200, 100))); // where the view does not scroll
     flushEvents();
+}
+
+Stage::~Stage()
+{
+    for (auto value = m_Style.begin(); value != m_Style.end(); ++value)
+        OrvNgStyle::instance().setProperty(value.key().constData(), *value);
 }
 
 void Stage::tell(const QString& kind, const QString& what)
@@ -526,9 +534,10 @@ Stage::Words Stage::hostWords()
         {q("hovered"), [this] { N().setHovered(on(1)); return nothing(); }},
         {q("visible"), [this] { N().setVisible(on(1)); return nothing(); }},
         {q("system"), [this] { N().setIsSystemShaderNode(on(1)); return nothing(); }},
-        {q("pause"), [this] { X().pauseInvalidation(on(1)); return nothing(); }},
         {q("snap"), [this] { OrvShaderNetworkManager::instance()->setSnapToGrid(on()); return nothing(); }},
         {q("spacing"), [this] { auto* manager = OrvShaderNetworkManager::instance(); manager->setGridWidth(int(d(0))); manager->setGridHeight(int(d(0))); return nothing(); }},
+        {q("part"), [this] { auto* part = new QGraphicsRectItem(rect(1), &N()); part->setPen(Qt::NoPen); dynamic_cast<TestNode&>(N()).updateBounds(); return nothing(); }},
+        {q("removepart"), [this] { delete N().childItems().constLast(); return nothing(); }},
         {q("probe"), [this] { m_Node->setInsertionProbe(nullptr); if (s(0) != q("none")) { auto* probe = new QGraphicsRectItem(rect(0), m_Node); probe->setVisible(false); m_Node->setInsertionProbe(probe); } return nothing(); }},
         {q("autoinserts"), [this] { m_View.m_AutoInsert = on(); return nothing(); }},
         {q("delete"), [this] { s(0).contains(QLatin1Char('.')) ? delete E() : delete &N(); return nothing(); }},
@@ -538,7 +547,7 @@ Stage::Words Stage::hostWords()
         {q("hear"), [this] { m_Heard[q("asked")].append(N().text()); return nothing(); }},
         {q("forget"), [this] { m_Heard.clear(); m_Recorder.clear(); OrvUndoManager::instance().undoStack()->clear(); return nothing(); }},
         {q("grab"), [this] { N().grabMouse(); N().ungrabMouse(); return nothing(); }},
-        {q("style"), [this] { OrvNgStyle::instance().setProperty(s(0).toLatin1().constData(), d(1)); return nothing(); }}};
+        {q("style"), [this] { const QByteArray name = s(0).toLatin1(); m_Style[name] = OrvNgStyle::instance().property(name.constData()); OrvNgStyle::instance().setProperty(name.constData(), d(1)); return nothing(); }}};
 }
 
 Stage::Words Stage::mouseWords()
@@ -609,7 +618,6 @@ Stage::Words Stage::questions()
         {q("moved"), [this] { return namesOf([&](OrvNgNode* node) { return node->pos() != m_Marked[m_Nodes.key(node)]; }); }},
         {q("rect"), [this] { return N().sceneBoundingRect(); }},
         {q("let"), [this] { m_Places[s(0)] = scenePos(s(1)); return nothing(); }},
-        {q("items"), [this] { QStringList all; for (auto* i : m_View.items(P())) { all.append(q(typeid(*i).name())); } return all; }},
         {q("near"), [this] { return isNear(scenePos(s(0)), scenePos(s(1)), d(2)); }},
         {q("at"), [this] { return scenePos(s(0)); }},
         {q("gone"), [this] { return m_Nodes.value(s(0)).isNull(); }},
@@ -618,7 +626,6 @@ Stage::Words Stage::questions()
         {q("selected"), [this] { QStringList names; for (QGraphicsItem* item : m_View.sortedSelection()) names.append(m_Nodes.key(dynamic_cast<OrvNgNode*>(item))); return names; }},
         {q("hovering"), [this] { return namesOf([](OrvNgNode* node) { return node->hovered(); }); }},
         {q("recolourings"), [this] { return dynamic_cast<TestNode&>(N()).m_Recolourings; }},
-        {q("text"), [this] { return N().text(); }},
         // Frames
         {q("children"), children},
         {q("zorder"), [this] { return F().zOrder(); }},
