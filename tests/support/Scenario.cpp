@@ -508,6 +508,8 @@ ScenarioStage::Words ScenarioStage::hostWords()
         {q("output"), [this] { E()->setSourceOutputPoint(s(1)); return nothing(); }},
         {q("leadto"), [this] { E()->setDestNode(&N(1)); return nothing(); }},
         {q("insert"), [this] { E(1)->insertNodeIntoEdge(&N(), E()); return nothing(); }},
+        {q("setup"), [this] { N().setupNodeForInsertionIntoEdge(E(1)); return nothing(); }},
+        {q("unselectable"), [this] { N().setFlag(QGraphicsItem::ItemIsSelectable, false); return nothing(); }},
         {q("autoinsert"), [this] { N().processAutoinsert(); return nothing(); }},
         {q("tags"), [this] { N().updateInputTags(s(0).section(QLatin1Char('.'), 1), QSet<QString>(m_Args.begin() + 1, m_Args.end())); return nothing(); }},
         {q("lock"), [this] { N().updateInputTags(s(0).section(QLatin1Char('.'), 1), {q("_locked")}); return nothing(); }},
@@ -721,6 +723,7 @@ ScenarioStage::Words ScenarioStage::questions()
         {q("tracking"), [this] { return int(m_View.cursorTrackingMode()); }},
         {q("cuttingpath"), [this] { return m_View.drawingEdgeSeverPath(); }},
         {q("minimapat"), [this] { return m_View.isInMinimap(P()); }},
+        {q("minimaprect"), [this] { return QRectF(m_View.minimapRect()); }},
         {q("minimapshows"), [this] { return m_View.shouldDisplayMinimap(); }},
         {q("minimappos"), [this] { return m_View.mapMinimapPosToScenePos(P()); }}};
 }
