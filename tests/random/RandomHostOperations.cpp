@@ -7,7 +7,7 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "OrvNodeGraph/OrvNgTextNode.h"
 #include "OrvNodeGraph/OrvNgUINode.h"
-#include "RandomOperations.h"
+#include "RandomWorld.h"
 
 #include "OrvCore/OrvUndoManager.h"
 #include "OrvCoreModules/OrvShaderNetworkManager.h"
@@ -43,17 +43,23 @@ private:
     RandomWorld& m_World;
 };
 
+using NodeAct = void (*)(W&, OrvNgNode&);
+
 /// Makes an operation out of what is done to one node.
-template <void (*Act)(W&, OrvNgNode&)> void onNode(W& w)
+RandomAct onNode(NodeAct act)
 {
-    if (OrvNgNode* node = w.anyNode())
-        Act(w, *node);
+    return [act](W& w) {
+        if (OrvNgNode* node = w.anyNode())
+            act(w, *node);
+    };
 }
 
-template <void (*Act)(W&, OrvNgNode&)> void onLiveNode(W& w)
+RandomAct onLiveNode(NodeAct act)
 {
-    if (OrvNgNode* node = w.anyLiveNode())
-        Act(w, *node);
+    return [act](W& w) {
+        if (OrvNgNode* node = w.anyLiveNode())
+            act(w, *node);
+    };
 }
 
 QUndoStack& undoStack()
@@ -67,17 +73,11 @@ void newNode(W& w)
 {
     const int kind = w.m_Dice.below(20);
     const bool hasPoints = kind < 13;
-    OrvNgNode* node = nullptr;
-    if (kind < 10)
-        node = new RandomNode<OrvNgExtendedNode>(w);
-    else if (kind < 13)
-        node = new RandomNode<OrvNgDotNode>(w);
-    else if (kind < 16)
-        node = new RandomNode<OrvNgBackdropNode>(w);
-    else if (kind < 18)
-        node = new RandomNode<OrvNgUINode>(w);
-    else
-        node = new RandomNode<OrvNgTextNode>(w);
+    OrvNgNode* node = kind < 10 ? new RandomNode<OrvNgExtendedNode>(w)
+        : kind < 13             ? new RandomNode<OrvNgDotNode>(w)
+        : kind < 16             ? new RandomNode<OrvNgBackdropNode>(w)
+        : kind < 18             ? new RandomNode<OrvNgUINode>(w)
+                                : static_cast<OrvNgNode*>(new RandomNode<OrvNgTextNode>(w));
     w.adopt(node);
     const bool late = w.maybe(0.3);
     if (!late)
@@ -105,11 +105,12 @@ void connectEnds(W& w)
         return;
     const QString output = w.anyOutput(source);
     OrvNgEdge* freeInput = nullptr;
-    if (source->outputPointCount() > 0 && w.maybe(0.5))
+    if (source->outputPointCount() > 0 && w.maybe(0.5)) {
         edge->setSourceNode(source, output);
-    else
-        w.m_Dice.oneOf({[&] { edge->setSourceNode(nullptr, QString()); },
-            [&] { edge->detachFromSourceNode(); },
+        return;
+    }
+    w.m_Dice.oneOf(
+        {[&] { edge->setSourceNode(nullptr, QString()); }, [&] { edge->detachFromSourceNode(); },
             [&] { edge->setNewSourceNodeToEdge(source, output); },
             [&] { edge->setNewDestNodeToEdge(source, w.anyName()); },
             [&] { source->setupNodeForInsertionIntoEdge(edge); },
@@ -184,8 +185,7 @@ void dressExtended(W& w, OrvNgExtendedNode& node)
             node.setInputPortVisible(w.anyName(), w.maybe());
             node.updateAfterPortVisibilityChange();
         },
-        [&] { node.updateIcons(); },
-        [&] { node.createInput(w.anyName(), false, {}); }});
+        [&] { node.updateIcons(); }, [&] { node.createInput(w.anyName(), false, {}); }});
     if (pauses)
         node.pauseInvalidation(false);
     if (w.maybe(0.7))
@@ -286,20 +286,7 @@ void grid(W& w)
         [&] { settings->setGridHeight(w.m_Dice.below(60) - 1); }});
 }
 
-void show(W& w, OrvNgNode& node)
-{
-    if (w.maybe(0.7))
-        node.setVisible(w.maybe(0.7));
-    else
-        node.setIsSystemShaderNode(w.maybe(0.3));
-}
-
 // Death
-
-void destroy(W&, OrvNgNode& node)
-{
-    node.destroy();
-}
 
 void deleteNow(W& w, OrvNgNode& node)
 {
@@ -323,12 +310,6 @@ void removeAndAdd(W& w, OrvNgNode& node)
         w.m_Scene->addItem(&node);
 }
 
-void deleteLater(W& w, OrvNgNode& node)
-{
-    w.forget(&node);
-    node.deleteLater();
-}
-
 void killEdge(W& w)
 {
     OrvNgEdge* edge = w.anyEdge();
@@ -338,12 +319,6 @@ void killEdge(W& w)
         delete edge;
     else
         edge->destroy();
-}
-
-/// The scene walks its items: slots must not delete others meanwhile.
-void clearScene(W& w)
-{
-    w.gently([&w] { w.m_Scene->clear(); });
 }
 
 /// Another scene in the same views; what stays in the old one dies with it.
@@ -364,11 +339,6 @@ void swapScene(W& w)
         }
         delete old;
     });
-}
-
-void replace(W& w, OrvNgNode& node)
-{
-    node.replace(w.anyLiveNode());
 }
 
 void deleteParent(W& w, OrvNgNode& node)
@@ -399,19 +369,6 @@ void pushMove(W& w, OrvNgNode& node)
         OrvUndoManager::instance().push(new OrvNgNodePositionChangeUndo(&node));
 }
 
-/// Sometimes far back, to nodes that are long gone.
-void undo(W& w)
-{
-    const int index = undoStack().index();
-    undoStack().setIndex(qMax(0, index - 1 - (w.maybe(0.7) ? 0 : w.m_Dice.below(index))));
-}
-
-void redo(W& w)
-{
-    const int left = undoStack().count() - undoStack().index();
-    undoStack().setIndex(undoStack().index() + qMin(left, 1 + w.m_Dice.below(left)));
-}
-
 /// Once undone, a step that is redone and undone again leaves no trace.
 void undoRedo(W& w)
 {
@@ -434,57 +391,91 @@ void undoRedo(W& w)
         w.fail(QStringLiteral("U1 redo and undo do not give the same places"));
 }
 
+void destroy(W&, OrvNgNode& node)
+{
+    node.destroy();
+}
+
+void replace(W& w, OrvNgNode& node)
+{
+    node.replace(w.anyLiveNode());
+}
+
+void show(W& w, OrvNgNode& node)
+{
+    if (w.maybe(0.7))
+        node.setVisible(w.maybe(0.7));
+    else
+        node.setIsSystemShaderNode(w.maybe(0.3));
+}
+
+/// The scene walks its items: slots must not delete others meanwhile.
+void clearScene(W& w)
+{
+    w.gently([&w] { w.m_Scene->clear(); });
+}
+
 } // namespace
-
-void RandomOperations::destroyNode(W& world)
-{
-    onNode<destroy>(world);
-}
-
-void RandomOperations::deleteNode(W& world)
-{
-    onLiveNode<deleteNow>(world);
-}
 
 QList<RandomOperation> RandomOperations::host()
 {
     return {
         {"newNodes", 60, true, newNodes},
-        {"addPoint", 60, true, onNode<addPoint>},
+        {"addPoint", 60, true, onNode(addPoint)},
         {"connect", 80, true, connectEnds},
-        {"removePoint", 60, true, onNode<removePoint>},
-        {"dress", 60, true, onNode<dress>},
+        {"removePoint", 60, true, onNode(removePoint)},
+        {"dress", 60, true, onNode(dress)},
         {"dressEdge", 20, true, dressEdge},
-        {"move", 50, true, onNode<move>},
+        {"move", 50, true, onNode(move)},
         {"style", 20, true, style},
         {"grid", 20, true, grid},
-        {"show", 20, true, onNode<show>},
+        {"show", 20, true, onNode(show)},
 
-        {"destroyNode", 30, true, destroyNode},
-        {"deleteNode", 20, true, deleteNode},
-        {"removeDelete", 10, true, onLiveNode<removeAndDelete>},
-        {"removeAdd", 15, true, onLiveNode<removeAndAdd>},
-        {"deleteNodeLater", 8, true, onLiveNode<deleteLater>},
+        {"destroyNode", 30, true, onNode(destroy)},
+        {"deleteNode", 20, true, onLiveNode(deleteNow)},
+        {"removeDelete", 10, true, onLiveNode(removeAndDelete)},
+        {"removeAdd", 15, true, onLiveNode(removeAndAdd)},
+        {"deleteNodeLater", 8, true, onLiveNode([](W& w, OrvNgNode& node) {
+             w.forget(&node);
+             node.deleteLater();
+         })},
         {"killEdge", 20, true, killEdge},
         {"clearScene", 2, true, clearScene},
         {"swapScene", 3, true, swapScene},
-        {"replace", 8, true, onLiveNode<replace>},
-        {"deleteParent", 4, true, onLiveNode<deleteParent>},
+        {"replace", 8, true, onLiveNode(replace)},
+        {"deleteParent", 4, true, onLiveNode(deleteParent)},
 
-        {"pushMove", 20, true, onNode<pushMove>},
-        {"undo", 10, true, undo},
-        {"redo", 10, true, redo},
+        {"pushMove", 20, true, onNode(pushMove)},
+        // Sometimes far back, to nodes that are long gone.
+        {"undo", 10, true,
+            [](W& w) {
+                const int index = undoStack().index();
+                undoStack().setIndex(
+                    qMax(0, index - 1 - (w.maybe(0.7) ? 0 : w.m_Dice.below(index))));
+            }},
+        {"redo", 10, true,
+            [](W& w) {
+                const int left = undoStack().count() - undoStack().index();
+                undoStack().setIndex(undoStack().index() + qMin(left, 1 + w.m_Dice.below(left)));
+            }},
         {"undoRedo", 8, true, undoRedo},
         {"clearUndo", 2, true, [](W&) { undoStack().clear(); }},
     };
 }
 
-QList<void (*)(W&)> RandomOperations::reactions(bool mayDelete)
+QList<RandomAct> RandomOperations::reactions(bool mayDelete)
 {
-    const QList<void (*)(W&)> gentle{onNode<addPoint>, connectEnds, onNode<removePoint>,
-        onNode<dress>, onNode<move>, destroyNode, destroyNode, newNode, onNode<show>, killEdge,
-        killEdge};
-    static const QList<void (*)(W&)> s_Deadly{deleteNode, deleteNode, onLiveNode<removeAndDelete>,
-        onLiveNode<removeAndAdd>, clearScene, onLiveNode<replace>, onLiveNode<deleteParent>};
-    return mayDelete ? gentle + s_Deadly : gentle;
+    static const QList<RandomAct> s_Gentle{onNode(addPoint), connectEnds, onNode(removePoint),
+        onNode(dress), onNode(move), onNode(destroy), onNode(destroy), newNode, onNode(show),
+        killEdge, killEdge};
+    static const QList<RandomAct> s_All = s_Gentle
+        + QList<RandomAct>{onLiveNode(deleteNow), onLiveNode(deleteNow),
+            onLiveNode(removeAndDelete), onLiveNode(removeAndAdd), clearScene, onLiveNode(replace),
+            onLiveNode(deleteParent)};
+    return mayDelete ? s_All : s_Gentle;
+}
+
+QList<RandomAct> RandomOperations::deaths()
+{
+    return {onNode(destroy), onLiveNode(deleteNow)};
 }

@@ -2,7 +2,7 @@
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgNodePositionChangeUndo.h"
 #include "OrvNodeGraph/OrvNgPort.h"
-#include "RandomOperations.h"
+#include "RandomWorld.h"
 
 #include "OrvCore/OrvUndoManager.h"
 
@@ -132,13 +132,6 @@ void finishDrag(W& w, double probability = 0.7)
     }
 }
 
-/// Before what paints at once: Qt's scene forgets where an item was when a view paints the item before the
-/// scene has dealt with its move.
-void dealWithMoves(W& w)
-{
-    QCoreApplication::sendPostedEvents(w.m_Scene, QEvent::MetaCall);
-}
-
 // Single events
 
 void anyPress(W& w)
@@ -185,19 +178,6 @@ void wheel(W& w)
     QApplication::sendEvent(w.m_View->viewport(), &event);
 }
 
-void key(W& w)
-{
-    const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Delete,
-        Qt::Key_A, Qt::Key_Space, Qt::Key_Return};
-    QTest::keyClick(w.m_View, w.m_Dice.of(keys), anyKeys(w));
-}
-
-void enterLeave(W& w)
-{
-    QEvent event(w.maybe() ? QEvent::Enter : QEvent::Leave);
-    QApplication::sendEvent(w.maybe() ? w.m_View : w.m_View->viewport(), &event);
-}
-
 void focus(W& w)
 {
     w.maybe() ? w.m_Edit->setFocus() : w.m_View->setFocus();
@@ -205,7 +185,7 @@ void focus(W& w)
 
 void resize(W& w)
 {
-    dealWithMoves(w);
+    w.dealWithMoves();
     const QList<QSize> odd{{1, 1}, {0, 0}, {3000, 60}};
     w.m_Window->resize(w.maybe(0.1) ? w.m_Dice.of(odd)
                                     : QSize(300 + w.m_Dice.below(300), 200 + w.m_Dice.below(300)));
@@ -214,13 +194,13 @@ void resize(W& w)
 void hideShow(W& w)
 {
     QWidget* widget = w.maybe() ? w.m_View : w.m_Window.get();
-    dealWithMoves(w);
+    w.dealWithMoves();
     widget->hide();
     if (w.maybe(0.3)) {
-        QCoreApplication::processEvents();
+        w.process();
         anyMove(w);
     }
-    dealWithMoves(w);
+    w.dealWithMoves();
     widget->show();
 }
 
@@ -237,10 +217,19 @@ void look(W& w)
 
 // Gestures
 
+/// The host acts while the user is at something.
+void meddle(W& w, double probability)
+{
+    if (!w.maybe(probability))
+        return;
+    w.hostActs();
+    w.m_Dice.of(RandomOperations::reactions(true))(w);
+}
+
 void drag(W& w)
 {
-    static const QList<void (*)(W&)> s_Meanwhile{RandomOperations::destroyNode,
-        RandomOperations::deleteNode, focus, hideShow, anyPress, wheel};
+    static const QList<RandomAct> s_Meanwhile = RandomOperations::deaths()
+        + QList<RandomAct>{focus, hideShow, anyPress, wheel} + RandomOperations::reactions(true);
     const Keys keys = w.maybe(0.8) ? Keys() : anyKeys(w);
     const OrvNgNode* node = w.anyLiveNode();
     const QPoint from = node && w.maybe(0.7) ? viewPos(w,
@@ -252,8 +241,7 @@ void drag(W& w)
     glide(w, anyTarget(w), 1 + w.m_Dice.below(4), keys);
     if (w.maybe(0.2)) { // under the user's hand
         w.hostActs();
-        const auto acts = s_Meanwhile + RandomOperations::reactions(true);
-        w.m_Dice.of(acts)(w);
+        w.m_Dice.of(s_Meanwhile)(w);
         glide(w, anyTarget(w), 2, keys);
     }
     if (!w.maybe(0.93))
@@ -272,10 +260,7 @@ void pull(W& w)
     glide(w, anyTarget(w), 1 + w.m_Dice.below(3));
     if (w.maybe(0.7))
         release(w);
-    if (w.maybe(0.1)) {
-        w.hostActs();
-        w.m_Dice.of(RandomOperations::reactions(true))(w);
-    }
+    meddle(w, 0.1);
     glide(w, anyTarget(w), 2);
     if (!w.maybe(0.9))
         return;
@@ -289,10 +274,7 @@ void band(W& w)
     const Keys keys = anyKeys(w) & ~Keys(Qt::AltModifier);
     press(w, QPoint(2, 2), Qt::LeftButton, keys);
     glide(w, w.m_View->viewport()->rect().center(), 2, keys);
-    if (w.maybe(0.3)) {
-        w.hostActs();
-        w.m_Dice.of(RandomOperations::reactions(true))(w);
-    }
+    meddle(w, 0.3);
     glide(w, anyTarget(w), 2, keys);
     if (w.maybe(0.9))
         release(w, Qt::LeftButton, keys);
@@ -304,10 +286,7 @@ void sever(W& w)
     const QPoint from = anyTarget(w);
     press(w, from);
     glide(w, from + QPoint(w.m_Dice.below(400) - 200, w.m_Dice.below(300) - 150), 6);
-    if (w.maybe(0.1)) {
-        w.hostActs();
-        w.m_Dice.of(RandomOperations::reactions(true))(w);
-    }
+    meddle(w, 0.1);
     if (w.maybe(0.9))
         release(w);
     if (w.maybe(0.9))
@@ -383,25 +362,10 @@ void settle(W& w)
     glide(w, w.m_MousePos + QPoint(1, 0), 1);
     finishDrag(w, 1);
     w.flush();
+    w.m_Reacts = false;
+    w.flush(); // what slots have destroyed meanwhile
+    glide(w, w.m_MousePos, 1); // the cursor is looked up again when something has moved below it
     w.m_AtRest = true;
-}
-
-// Time
-
-void timers(W& w)
-{
-    for (RandomView* view : {w.m_View, w.m_Watcher}) {
-        view->calculateVisibleNodesBoundingRect();
-        view->autoScroll();
-    }
-}
-
-void repaint(W& w)
-{
-    dealWithMoves(w);
-    w.m_View->viewport()->repaint();
-    if (w.maybe(0.2))
-        w.m_View->grab();
 }
 
 } // namespace
@@ -422,7 +386,7 @@ void RandomOperations::answerMenu(W& w, QMenu& menu)
         menu.setActiveAction(choice);
         QTest::keyClick(&menu, Qt::Key_Return);
     } else if (w.maybe(0.2)) {
-        dealWithMoves(w);
+        w.dealWithMoves();
         w.m_View->hide();
         w.m_View->show();
     }
@@ -438,10 +402,19 @@ QList<RandomOperation> RandomOperations::input()
         {"release", 30, false, anyRelease},
         {"doubleClick", 8, false, doubleClick},
         {"wheel", 10, false, wheel},
-        {"key", 6, false, key},
+        {"key", 6, false,
+            [](W& w) {
+                const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up, Qt::Key_Escape, Qt::Key_Tab,
+                    Qt::Key_Delete, Qt::Key_A, Qt::Key_Space, Qt::Key_Return};
+                QTest::keyClick(w.m_View, w.m_Dice.of(keys), anyKeys(w));
+            }},
         {"cursor", 4, false,
             [](W& w) { QCursor::setPos(w.m_View->viewport()->mapToGlobal(anyTarget(w))); }},
-        {"enterLeave", 6, false, enterLeave},
+        {"enterLeave", 6, false,
+            [](W& w) {
+                QEvent event(w.maybe() ? QEvent::Enter : QEvent::Leave);
+                QApplication::sendEvent(w.maybe() ? w.m_View : w.m_View->viewport(), &event);
+            }},
         {"focus", 6, false, focus},
         {"resize", 5, false, resize},
         {"hideShow", 5, false, hideShow},
@@ -456,10 +429,22 @@ QList<RandomOperation> RandomOperations::input()
         {"viewCalls", 8, false, viewCalls},
         {"settle", 15, false, settle},
 
-        {"process", 30, false, [](W&) { QCoreApplication::processEvents(); }},
+        {"process", 30, false, [](W& w) { w.process(); }},
         {"deferred", 25, false,
             [](W&) { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }},
-        {"timers", 10, false, timers},
-        {"repaint", 20, false, repaint},
+        {"timers", 10, false,
+            [](W& w) {
+                for (RandomView* view : {w.m_View, w.m_Watcher}) {
+                    view->calculateVisibleNodesBoundingRect();
+                    view->autoScroll();
+                }
+            }},
+        {"repaint", 20, false,
+            [](W& w) {
+                w.dealWithMoves();
+                w.m_View->viewport()->repaint();
+                if (w.maybe(0.2))
+                    w.m_View->grab();
+            }},
     };
 }

@@ -3,7 +3,6 @@
 #include "OrvNodeGraph/OrvNgBackdropNode.h"
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
-#include "RandomOperations.h"
 
 #include "OrvCore/OrvUndoManager.h"
 #include "OrvCoreModules/OrvShaderNetworkManager.h"
@@ -75,7 +74,6 @@ RandomWorld::RandomWorld()
     newScene();
     m_Window->resize(500, 450);
     m_Window->show();
-    m_View->init();
     connect(m_View, &OrvNgView::shakeToExtractTriggered, this, [this] { react(true); });
     m_Window->activateWindow();
     m_View->setFocus();
@@ -113,8 +111,10 @@ void RandomWorld::newScene()
 {
     m_Scene = new QGraphicsScene;
     connect(m_Scene, &QGraphicsScene::selectionChanged, this, [this] { react(false); });
-    m_View->setScene(m_Scene);
-    m_Watcher->setScene(m_Scene);
+    for (RandomView* view : {m_View, m_Watcher}) {
+        view->setScene(m_Scene);
+        view->init();
+    }
     m_Watcher->fitInView(QRectF(-400, -300, 800, 600), Qt::KeepAspectRatio);
 }
 
@@ -141,11 +141,23 @@ bool RandomWorld::run(const RandomStep& step)
     return true;
 }
 
+void RandomWorld::dealWithMoves()
+{
+    if (m_Scene)
+        QCoreApplication::sendPostedEvents(m_Scene, QEvent::MetaCall);
+}
+
+void RandomWorld::process()
+{
+    dealWithMoves(); // the window's events come first and may paint
+    QCoreApplication::processEvents();
+}
+
 void RandomWorld::flush()
 {
-    QCoreApplication::processEvents();
+    process();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCoreApplication::processEvents();
+    process();
 }
 
 void RandomWorld::fail(const QString& text)
@@ -185,7 +197,7 @@ void RandomWorld::listenTo(OrvNgNode* node)
     connect(node, &OrvNgNode::clickedOnDotableMarkerOnEdge, this, anything);
     connect(node, &OrvNgNode::inputSourceChanged, this,
         [this, node](OrvNgNode* source, const QString& output, const QString& input) {
-            if (source)
+            if (source && nodes().contains(node)) // given up, it may still be used for a while
                 m_Heard.insert({node, input}, {source, output});
             else
                 m_Heard.remove({node, input});

@@ -43,12 +43,14 @@ struct RandomStep
     bool m_Reacts = true; ///< slots of the host may act while the step runs
 };
 
+using RandomAct = std::function<void(RandomWorld& world)>;
+
 struct RandomOperation
 {
     const char* m_Name;
     int m_Weight; ///< how often, against the others; 0 for what comes at fixed steps
     bool m_IsHost; ///< acts on the graph by program, of which no signal need tell
-    void (*m_Run)(RandomWorld& world);
+    RandomAct m_Run;
 };
 
 /// A scene, a view and a host that does to them what the steps say. From inside the library's signals it
@@ -115,6 +117,10 @@ public:
         --m_Gentle;
     }
     void hostActs() { m_HostActed = true; }
+    /// Comes before what paints at once: the scene forgets where an item was when a view paints it before
+    /// the scene has dealt with its move.
+    void dealWithMoves();
+    void process();
     void flush();
     void fail(const QString& text);
     /// A broken promise that showed in the middle of a step.
@@ -157,3 +163,34 @@ private:
     bool m_HostActed = false; ///< in this step, by other means than hearing
     QString m_Failure;
 };
+
+/// The operations, and those of them that others need.
+///
+/// Called by  RandomWorld; operations of one another.
+/// Uses       RandomWorld.
+/// Tells      nobody.
+namespace RandomOperations {
+
+QList<RandomOperation> host(); ///< with deaths and the undo stack
+QList<RandomOperation> input(); ///< with time
+QList<RandomOperation> checks(); ///< at fixed steps: what is too dear to look at after each
+
+/// What a slot may do; with true also what deletes at once.
+QList<RandomAct> reactions(bool mayDelete);
+QList<RandomAct> deaths();
+/// Picks an entry of a menu that has opened, or closes it, or does worse.
+void answerMenu(RandomWorld& world, QMenu& menu);
+
+} // namespace RandomOperations
+
+/// What must hold after every step, whatever the step was.
+///
+/// Called by  the test's main function.
+/// Uses       the world's scene, view and nodes through their public interface.
+/// Tells      nobody.
+namespace RandomInvariants {
+
+/// The first broken promise, by its letter and number; empty when all hold.
+QString broken(RandomWorld& world);
+
+} // namespace RandomInvariants

@@ -3,7 +3,7 @@
 //
 //     tst_RandomInteraction --seed 7 --seeds 10 --steps 2000 --trace found.trace
 //     tst_RandomInteraction --replay found.trace
-#include "RandomInvariants.h"
+#include "RandomWorld.h"
 
 #include "OrvCore/OrvDebug.h"
 
