@@ -191,6 +191,8 @@ void OrvNgExtendedNode::createOutputPoint(const QString& name, bool withEdge)
         m_Outputs->insert(-1,
             new OrvNgOutputPort(
                 this, outputDisplayText(name), name, OrvNgPort::Birth::HiddenInNode));
+        if (outputPoints().contains(name))
+            reAdjustEdges(); // those that it had without a port now end at the port
     }
     OrvNgNode::createOutputPoint(name, withEdge);
 }
