@@ -102,10 +102,11 @@ public:
     GridStrip(const QPainter* painter, const QRectF& rect, const QRect& pixels,
         Qt::Orientation orientation);
 
-    /// Where many lines fall into one pixel it is only the first part, to be repeated.
+    /// Where many lines fall into one pixel it is only one pixel, to be repeated.
     QImage draw(const GridLines& lines) const;
 
 private:
+    QImage drawDense(double step) const;
     QImage drawOneByOne(const QVector<double>& lines, int length) const;
     QImage stamp(const QVector<double>& lines, int length) const;
     bool hasThinLines() const;
@@ -135,16 +136,34 @@ GridStrip::GridStrip(
 
 QImage GridStrip::draw(const GridLines& lines) const
 {
-    const int length
-        = lines.step() * m_Scale < kDenseSpacing ? qMin(m_Length, kDenseTile) : m_Length;
-    const double end
-        = (m_IsRow ? m_Rect.left() : m_Rect.top()) + length / m_Scale + m_Painter->pen().widthF();
+    if (lines.step() * m_Scale < kDenseSpacing)
+        return drawDense(lines.step());
     QVector<double> places;
     places.reserve(int(qMin(lines.count(), kLargestReserve)));
-    for (qint64 i = 0; double(i) < lines.count() && lines[i] < end; ++i)
+    for (qint64 i = 0; double(i) < lines.count(); ++i)
         places.append(lines[i]);
-    return places.size() > kPhases && hasThinLines() ? stamp(places, length)
-                                                     : drawOneByOne(places, length);
+    return places.size() > kPhases && hasThinLines() ? stamp(places, m_Length)
+                                                     : drawOneByOne(places, m_Length);
+}
+
+/// All pixels are nearly alike. Their mean does not depend on where the exposed area begins, which would
+/// show wherever only a part is painted.
+QImage GridStrip::drawDense(double step) const
+{
+    QVector<double> places;
+    for (double at = -kDenseTile; at < 2.0 * kDenseTile; at += step * m_Scale)
+        places.append((at - m_Offset) / m_Scale);
+    const QImage tile = drawOneByOne(places, kDenseTile);
+    int sum[4] = {};
+    for (int i = 0; i < kDenseTile; ++i) {
+        const QRgb pixel = reinterpret_cast<const QRgb*>(tile.constScanLine(0))[i];
+        for (int channel = 0; channel < 4; ++channel)
+            sum[channel] += int(pixel >> (8 * channel) & 0xffu);
+    }
+    QImage mean(1, 1, QImage::Format_ARGB32_Premultiplied);
+    mean.fill(
+        qRgba(sum[2] / kDenseTile, sum[1] / kDenseTile, sum[0] / kDenseTile, sum[3] / kDenseTile));
+    return mean;
 }
 
 QImage GridStrip::drawOneByOne(const QVector<double>& lines, int length) const
@@ -210,8 +229,9 @@ bool GridStrip::hasThinLines() const
 
 bool OrvNgGrid::Frame::operator==(const Frame& other) const
 {
-    return m_ToDevice == other.m_ToDevice && m_Exposed == other.m_Exposed && m_Cell == other.m_Cell
-        && m_Pen == other.m_Pen && m_Background == other.m_Background && m_Hints == other.m_Hints;
+    return m_ToDevice == other.m_ToDevice && m_Exposed == other.m_Exposed
+        && m_Pixels == other.m_Pixels && m_Cell == other.m_Cell && m_Pen == other.m_Pen
+        && m_Background == other.m_Background && m_Hints == other.m_Hints;
 }
 
 void OrvNgGrid::paint(QPainter* painter, const QRectF& exposed, const QSize& cell, const QPen& pen,
@@ -241,8 +261,8 @@ void OrvNgGrid::paint(QPainter* painter, const QRectF& exposed, const QSize& cel
     const QRect pixels = toDevice.mapRect(exposed).toAlignedRect();
     if (pixels.isEmpty())
         return;
-    const Frame frame{toDevice, exposed, spacing, pen, isOpaque ? background.color() : QColor(),
-        painter->renderHints()};
+    const Frame frame{toDevice, exposed, pixels, spacing, pen,
+        isOpaque ? background.color() : QColor(), painter->renderHints()};
     if (!(frame == m_Kept)) {
         m_Kept = frame;
         makeRows(GridStrip(painter, exposed, pixels, Qt::Vertical).draw(columns),

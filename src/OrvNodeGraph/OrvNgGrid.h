@@ -38,6 +38,7 @@ private:
     {
         QTransform m_ToDevice; ///< from scene coordinates: scale and phase
         QRectF m_Exposed;
+        QRect m_Pixels; ///< the same in device pixels; rectangles nearly alike may touch one more
         QSize m_Cell; ///< invalid: nothing is kept
         QPen m_Pen;
         QColor m_Background; ///< opaque, or invalid: the rows do not hold the background
