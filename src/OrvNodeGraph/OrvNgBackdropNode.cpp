@@ -101,9 +101,12 @@ public:
             return;
         painter->save();
         painter->setClipRect(boundingRect(), Qt::IntersectClip);
-        // The title grows far out; this text makes way.
-        painter->translate(0.0, backdrop().m_TitleText->heightGrowthAt(scale));
-        QGraphicsTextItem::paint(painter, option, widget);
+        // The title grows far out; this text makes way, and what is exposed with it.
+        const double growth = backdrop().m_TitleText->heightGrowthAt(scale);
+        QStyleOptionGraphicsItem moved(*option);
+        moved.exposedRect.translate(0.0, -growth);
+        painter->translate(0.0, growth);
+        QGraphicsTextItem::paint(painter, &moved, widget);
         painter->restore();
     }
 
@@ -275,8 +278,7 @@ void OrvNgBackdropNode::restackAmongNeighbours()
     const QRectF area = sceneBoundingRect();
     const QSet<OrvNgNode*> frames = OrvNgSceneNodes::frames(scene());
     for (OrvNgNode* node : frames) {
-        if (!nodeCanBelongToBackdropChildren(node)
-            || !node->sceneBoundingRect().intersects(area))
+        if (!nodeCanBelongToBackdropChildren(node) || !node->sceneBoundingRect().intersects(area))
             continue;
         if (auto* backdrop = dynamic_cast<OrvNgBackdropNode*>(node))
             neighbours.append(backdrop);
