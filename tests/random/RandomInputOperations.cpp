@@ -368,6 +368,15 @@ void settle(W& w)
     w.m_AtRest = true;
 }
 
+/// The window system keeps a release for itself; the next move tells that no button is held.
+void loseRelease(W& w)
+{
+    press(w, anyTarget(w));
+    glide(w, anyTarget(w), 1 + w.m_Dice.below(2));
+    w.m_Held.setFlag(Qt::LeftButton, false);
+    settle(w);
+}
+
 } // namespace
 
 void RandomOperations::answerMenu(W& w, QMenu& menu)
@@ -428,6 +437,7 @@ QList<RandomOperation> RandomOperations::input()
         {"navigate", 8, false, navigate},
         {"viewCalls", 8, false, viewCalls},
         {"settle", 15, false, settle},
+        {"loseRelease", 6, false, loseRelease},
 
         {"process", 30, false, [](W& w) { w.process(); }},
         {"deferred", 25, false,

@@ -362,18 +362,9 @@ void checkRoutes(RandomWorld& world)
 }
 
 /// A stale entry in the scene's index shows as an item that is found though it has left.
-void checkGhost(RandomWorld& world)
+void probeGhost(RandomWorld& world, QGraphicsItem* item)
 {
-    world.m_Reacts = false;
     QGraphicsScene& scene = *world.m_Scene;
-    judge(world, firstBroken(world.nodes(), [](OrvNgNode& node) {
-        auto* backdrop = qobject_cast<OrvNgBackdropNode*>(&node);
-        return backdrop && node.scene() ? childrenBroken(*backdrop) : QString();
-    }));
-    OrvNgNode* node = world.anyLiveNode();
-    OrvNgEdge* edge = world.anyEdge();
-    const bool takesEdge = edge && world.maybe();
-    QGraphicsItem* item = takesEdge ? static_cast<QGraphicsItem*>(edge) : node;
     if (!item || item->scene() != &scene || scene.mouseGrabberItem())
         return;
     world.hostActs();
@@ -382,6 +373,36 @@ void checkGhost(RandomWorld& world)
     if (scene.items(everything).contains(item))
         world.fail(QStringLiteral("G3 removed item still found"));
     scene.addItem(item);
+}
+
+void checkGhost(RandomWorld& world)
+{
+    world.m_Reacts = false;
+    judge(world, firstBroken(world.nodes(), [](OrvNgNode& node) {
+        auto* backdrop = qobject_cast<OrvNgBackdropNode*>(&node);
+        return backdrop && node.scene() ? childrenBroken(*backdrop) : QString();
+    }));
+    OrvNgNode* node = world.anyLiveNode();
+    OrvNgEdge* edge = world.anyEdge();
+    probeGhost(world, edge && world.maybe() ? static_cast<QGraphicsItem*>(edge) : node);
+}
+
+/// Right after a change of its bounds, before anything else could set the index right.
+void shrinkFrame(RandomWorld& world)
+{
+    world.m_Reacts = false;
+    QList<OrvNgNode*> frames;
+    const QList<OrvNgNode*> nodes = world.nodes();
+    std::copy_if(nodes.cbegin(), nodes.cend(), std::back_inserter(frames),
+        [](OrvNgNode* node) { return node->isBackdrop() && node->scene(); });
+    auto* frame = qobject_cast<OrvNgBackdropNode*>(world.m_Dice.of(frames));
+    if (!frame)
+        return;
+    const QPointF topLeft(world.m_Dice.between(-300, 300), world.m_Dice.between(-300, 300));
+    frame->setRect(QRectF(topLeft, QSizeF(600, 600)));
+    world.m_Scene->items(frame->sceneBoundingRect());
+    frame->setRect(QRectF(topLeft, QSizeF(50, 50)));
+    probeGhost(world, frame);
 }
 
 /// Also the bounds of what is seen, when their timer has run.
@@ -426,5 +447,5 @@ QString RandomInvariants::broken(RandomWorld& world)
 QList<RandomOperation> RandomOperations::checks()
 {
     return {{"checkRoutes", 0, false, checkRoutes}, {"checkGhost", 0, false, checkGhost},
-        {"checkPictures", 0, false, checkPictures}};
+        {"checkPictures", 0, false, checkPictures}, {"shrinkFrame", 6, true, shrinkFrame}};
 }
