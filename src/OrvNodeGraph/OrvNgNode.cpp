@@ -843,7 +843,8 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
         notifySceneOfChange();
         break;
     case ItemPositionHasChanged:
-        reAdjustEdges();
+        if (!OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::EdgesStayBehind))
+            reAdjustEdges();
         notifySceneOfChange();
         break;
     case ItemVisibleHasChanged:

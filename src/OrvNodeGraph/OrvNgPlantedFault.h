@@ -20,7 +20,7 @@ enum Fault {
     RawSelectionAtPress, ///< the band asks items that have died since the press
     BoundsUnannounced, ///< a backdrop changes its bounds behind the scene's back
     NodeLeavesEdges, ///< the edges of a dead node stay in the scene
-    GrabberKept, ///< what was pressed keeps the mouse when the release is lost
+    EdgesStayBehind, ///< edges lie where the node was before its last move
     NoRepaint, ///< the looks of a state appear with the next repaint
     StaleNodeList, ///< the list of a scene's nodes keeps those that have died
 };

@@ -383,8 +383,7 @@ void OrvNgView::clearHover()
 /// that was pulled out of a port is carried without a button.
 void OrvNgView::giveUpLostGrab()
 {
-    if (!std::exchange(m_PressGaveMouse, false)
-        || OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::GrabberKept))
+    if (!std::exchange(m_PressGaveMouse, false))
         return;
     QGraphicsItem* const grabber = scene() ? scene()->mouseGrabberItem() : nullptr;
     const auto* edge = dynamic_cast<OrvNgEdge*>(grabber);
