@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <numeric>
 
 namespace {
 
@@ -17,6 +19,13 @@ bool hasOpenOutputs(const NetNode& node)
 {
     return node.kind == NetNode::Kind::Node && !node.definition
         && node.type == QLatin1String("multioutput");
+}
+
+bool isKnownByUse(const NetScope& scope, const NetConnection& wire)
+{
+    const NetNode& source = scope.nodes.at(wire.sourceNode);
+    return (hasOpenOutputs(source) && !source.outputs.at(wire.sourcePort).listed)
+        || (source.implied && !scope.definition);
 }
 
 template <typename End> bool endsBefore(const End& a, const End& b)
@@ -68,6 +77,29 @@ void NetConnector::disconnect(NetScope* scope, int nodeIndex)
 {
     removeEnds(&scope->connections, nodeIndex);
     removeEnds(&scope->openEnds, nodeIndex);
+}
+
+void NetConnector::retypeByUse(NetScope* scope, const QVector<int>& order)
+{
+    QVector<int> places(scope->nodes.size());
+    std::iota(places.begin(), places.end(), order.size());
+    for (int i = 0; i < order.size(); ++i)
+        places[order.at(i)] = i;
+    QVector<NetConnection> uses;
+    std::copy_if(scope->connections.cbegin(), scope->connections.cend(), std::back_inserter(uses),
+        [scope](const NetConnection& wire) { return isKnownByUse(*scope, wire); });
+    // Last uses first, so that the first one of a port has the last word.
+    std::sort(uses.begin(), uses.end(), [&places](const NetConnection& a, const NetConnection& b) {
+        return std::make_pair(places.at(a.destNode), a.destPort)
+            > std::make_pair(places.at(b.destNode), b.destPort);
+    });
+    for (const NetConnection& use : qAsConst(uses)) {
+        const QString type = scope->nodes.at(use.destNode).inputs.at(use.destPort).type;
+        NetNode& source = scope->nodes[use.sourceNode];
+        source.outputs[use.sourcePort].type = type;
+        if (source.implied)
+            source.type = type;
+    }
 }
 
 bool NetConnector::wantedBy(const NetPort& port, Wanted* wanted)

@@ -25,6 +25,10 @@ public:
     void reconnect(NetScope* scope, int nodeIndex);
     /// Drops the connections and open ends of one node's inputs.
     static void disconnect(NetScope* scope, int nodeIndex);
+    /// Ports that only a use tells of have the type of the first input in the file that uses them. Gives them
+    /// that type again, after an edit; those that nothing uses any more keep the type they had. The order is
+    /// that of the boxes with an element in the document's own file; all others come behind them.
+    static void retypeByUse(NetScope* scope, const QVector<int>& order);
 
 private:
     struct Wanted

@@ -159,6 +159,8 @@ bool NetEditor::Text::apply(NetEdit* edit, bool forward)
         refresh(each.scope, each.node);
     if (!edit->removed.isEmpty() || !edit->addedName.isNull())
         reconsiderOpenEnds();
+    if (!edit->rewired.isEmpty() || !edit->removed.isEmpty())
+        NetConnector::retypeByUse(&m_Document->m_Scopes[edit->scope], m_Order.at(edit->scope));
     for (NetEdit::Shown& each : edit->shown) {
         NetNode& node = m_Document->m_Scopes[edit->scope].nodes[each.node];
         std::swap(node.position, each.position);
