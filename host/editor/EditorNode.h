@@ -34,6 +34,7 @@ public:
     EditorNodeOf();
     ~EditorNodeOf() override;
 
+    bool allowsFarPicture() const override { return true; } // it paints nothing of its own
     bool acceptsInputSource(
         OrvNgNode* source, const QString& output, const QString& input) override;
 

@@ -7,6 +7,7 @@
 #include "OrvNodeGraph/OrvNgLodTextItem.h"
 #include "OrvNodeGraph/OrvNgPlantedFault.h"
 #include "OrvNodeGraph/OrvNgReport.h"
+#include "OrvNodeGraph/OrvNgRollCall.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 
 #include <QGraphicsEllipseItem>
@@ -152,6 +153,7 @@ void OrvNgEdge::aboutToBeDestroyed()
     if (m_IsDying)
         return;
     m_IsDying = true;
+    OrvNgRollCall::noteChange();
     giveUpMouse();
     if (!OrvNgPlantedFault::isPlanted(OrvNgPlantedFault::EdgeStaysInLists))
         leaveNodes();
@@ -867,9 +869,16 @@ QPainterPath OrvNgEdge::shape() const
 
 QRectF OrvNgEdge::boundingRect() const
 {
+    if (OrvNgRollCall::answers(this, OrvNgRollCall::Kind::Edge))
+        return OrvNgRollCall::nowhere();
     if (m_ShapeDirty && !m_BoundsHeld)
         updateShape();
     return m_BoundsHeld && m_ShapeBounds.isNull() ? kNoBounds : m_ShapeBounds;
+}
+
+bool OrvNgEdge::allowsFarPicture() const
+{
+    return typeid(*this) == typeid(OrvNgEdge);
 }
 
 void OrvNgEdge::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*)

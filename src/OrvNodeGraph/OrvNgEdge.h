@@ -168,6 +168,8 @@ public:
 
     // QGraphicsItem
 
+    /// Whether the view may draw path and arrow itself, far out (OrvNgNode::allowsFarPicture()).
+    virtual bool allowsFarPicture() const;
     QPainterPath shape() const override;
     QRectF boundingRect() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
@@ -210,6 +212,7 @@ protected:
 
 private:
     friend class OrvNgNode;
+    friend struct OrvNgFarEdge;
 
     enum Flag : quint32 {
         FlagDragging = 1U << 0,

@@ -9,6 +9,7 @@
 #include "OrvNodeGraph/OrvNgPortList.h"
 #include "OrvNodeGraph/OrvNgPortVisibility.h"
 #include "OrvNodeGraph/OrvNgReport.h"
+#include "OrvNodeGraph/OrvNgRollCall.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 
 #include <QGraphicsScene>
@@ -18,6 +19,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <typeinfo>
 
 /// Holds layout work back for a scope; the caller then lays out once. Within another pause it does
 /// nothing.
@@ -699,6 +701,8 @@ QRectF OrvNgExtendedNode::nodeShapeRect()
 
 QRectF OrvNgExtendedNode::boundingRect() const
 {
+    if (OrvNgRollCall::answers(this, OrvNgRollCall::Kind::Node))
+        return OrvNgRollCall::nowhere();
     return m_FaceBounds;
 }
 
@@ -849,6 +853,11 @@ QString OrvNgExtendedNode::outputPointUnderPos(const QPointF& scenePos) const
 }
 
 // Painting
+
+bool OrvNgExtendedNode::allowsFarPicture() const
+{
+    return typeid(*this) == typeid(OrvNgExtendedNode);
+}
 
 void OrvNgExtendedNode::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget* widget)
 {

@@ -204,6 +204,7 @@ public:
 
     // QGraphicsItem
 
+    bool allowsFarPicture() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
     /// A double click on the header button is none on the node.
     bool isDoubleClickValid(const QPointF& itemPos) const override;

@@ -1,8 +1,8 @@
 #include "OrvNodeGraph/OrvNgMinimap.h"
 
-#include <QGraphicsScene>
 #include <QPainter>
 #include <QScopeGuard>
+#include <QTransform>
 
 #include <cmath>
 
@@ -60,20 +60,21 @@ QRect OrvNgMinimapFrame::toViewport(const QRectF& sceneRect) const
     return cut.isEmpty() ? QRect() : cut.toAlignedRect().translated(m_Rect.topLeft()) & m_Rect;
 }
 
-void OrvNgMinimap::paint(QPainter* painter, const OrvNgMinimapFrame& frame, QGraphicsScene* scene,
-    const QRectF& visible, const QColor& background, double pixelRatio)
+void OrvNgMinimap::paint(QPainter* painter, const OrvNgMinimapFrame& frame,
+    const PaintScene& paintScene, const QRectF& visible, const QColor& background,
+    double pixelRatio)
 {
     const QSize pixels(int(std::ceil(frame.m_Rect.width() * pixelRatio)),
         int(std::ceil(frame.m_Rect.height() * pixelRatio)));
     if (m_PaintsSinceRender >= kStale || m_Picture.size() != pixels) {
         if (m_Picture.size() != pixels)
-            m_Picture = QPixmap(pixels);
-        render(scene, frame, background, pixelRatio);
+            m_Picture = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        render(paintScene, frame, background, pixelRatio);
         m_PaintsSinceRender = 0;
     } else {
         ++m_PaintsSinceRender;
     }
-    painter->drawPixmap(frame.m_Rect.topLeft(), m_Picture);
+    painter->drawImage(frame.m_Rect.topLeft(), m_Picture);
 
     const auto drawInside = [painter](const QRect& rect, QRgb color) {
         painter->setPen(QPen(QColor::fromRgba(color), 1.0));
@@ -89,15 +90,16 @@ void OrvNgMinimap::paint(QPainter* painter, const OrvNgMinimapFrame& frame, QGra
     drawInside(shown, kVisibleColor);
 }
 
-void OrvNgMinimap::render(QGraphicsScene* scene, const OrvNgMinimapFrame& frame,
+void OrvNgMinimap::render(const PaintScene& paintScene, const OrvNgMinimapFrame& frame,
     const QColor& background, double pixelRatio)
 {
     m_Picture.setDevicePixelRatio(pixelRatio);
     m_Picture.fill(background);
-    QPainter painter(&m_Picture);
-    painter.setRenderHints(
-        QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     m_IsRendering = true;
     const auto lower = qScopeGuard([this] { m_IsRendering = false; });
-    scene->render(&painter, QRectF(QPointF(), frame.m_Rect.size()), frame.m_Bounds);
+    const double scale = qMin(frame.m_Rect.width() / frame.m_Bounds.width(),
+        frame.m_Rect.height() / frame.m_Bounds.height());
+    paintScene(&m_Picture,
+        QTransform::fromTranslate(-frame.m_Bounds.left(), -frame.m_Bounds.top())
+            * QTransform::fromScale(scale, scale));
 }

@@ -1,14 +1,16 @@
 #pragma once
 
-#include <QPixmap>
+#include <QImage>
 #include <QPointF>
 #include <QRect>
 #include <QRectF>
 #include <QSize>
 
+#include <functional>
+
 class QColor;
-class QGraphicsScene;
 class QPainter;
+class QTransform;
 
 /// Where a minimap lies and what it shows.
 struct OrvNgMinimapFrame
@@ -35,26 +37,29 @@ struct OrvNgMinimapFrame
 /// the view shows. The picture is kept: it is rendered anew when it is stale or its size has changed,
 /// and once in a hundred paints for the sake of changes that nobody tells.
 ///
-/// Called by  OrvNgView.
-/// Uses       QGraphicsScene::render.
+/// Called by  OrvNgView, which paints the items for it.
+/// Uses       QPainter.
 /// Tells      nobody; items ask OrvNgView::isMinimapRendering() while they are painted here.
 class OrvNgMinimap
 {
 public:
+    /// Paints the scene into a picture; the transform leads from the scene to its logical pixels.
+    using PaintScene = std::function<void(QImage*, const QTransform&)>;
+
     void markStale() { m_PaintsSinceRender = kStale; }
     /// The scene's items are being painted into the picture.
     bool isRendering() const { return m_IsRendering; }
     /// Paints into the viewport's coordinates. visible is the part of the scene that the view shows.
-    void paint(QPainter* painter, const OrvNgMinimapFrame& frame, QGraphicsScene* scene,
+    void paint(QPainter* painter, const OrvNgMinimapFrame& frame, const PaintScene& paintScene,
         const QRectF& visible, const QColor& background, double pixelRatio);
 
 private:
     static constexpr int kStale = 99;
 
-    void render(QGraphicsScene* scene, const OrvNgMinimapFrame& frame, const QColor& background,
-        double pixelRatio);
+    void render(const PaintScene& paintScene, const OrvNgMinimapFrame& frame,
+        const QColor& background, double pixelRatio);
 
-    QPixmap m_Picture;
+    QImage m_Picture;
     int m_PaintsSinceRender = kStale;
     bool m_IsRendering = false;
 };

@@ -295,6 +295,14 @@ public:
     virtual void hightlightBackdropForNodeInsert() { }
     virtual void unHightlightBackdropForNodeInsert() { }
 
+    // Far out
+
+    /// Whether the view may show a picture of its own in place of the item, below the style's
+    /// SceneLODSwitchThreshold: one that equals what the library's class paints. False asks paint() as ever,
+    /// at any scale. The library's classes answer for themselves only; a subclass that paints nothing of its
+    /// own says so by returning true. Only extended nodes are ever shown so.
+    virtual bool allowsFarPicture() const { return false; }
+
     // QGraphicsItem
 
     /// The union of the children's bounds; subclasses with a face of their own say more.
@@ -384,6 +392,7 @@ protected:
 
 private:
     friend class OrvNgEdge;
+    friend class OrvNgFarLooks;
     void registerInputEdge(OrvNgEdge* edge);
     void registerOutputEdge(OrvNgEdge* edge);
 

@@ -95,6 +95,7 @@ protected:
     QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
 
 private:
+    friend class OrvNgFarLooks;
     struct Colors;
     static std::shared_ptr<const Colors> currentColors();
 

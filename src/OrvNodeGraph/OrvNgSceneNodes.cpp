@@ -1,6 +1,7 @@
 #include "OrvNodeGraph/OrvNgSceneNodes.h"
 
 #include "OrvNodeGraph/OrvNgNode.h"
+#include "OrvNodeGraph/OrvNgRollCall.h"
 
 #include <QHash>
 
@@ -47,6 +48,7 @@ void OrvNgSceneNodes::enter(OrvNgNode* node)
 
 void OrvNgSceneNodes::leave(OrvNgNode* node)
 {
+    OrvNgRollCall::noteChange();
     const auto scene = registry().m_SceneOfNode.find(node);
     if (scene == registry().m_SceneOfNode.end())
         return;

@@ -2,6 +2,7 @@
 
 #include "OrvNodeGraph/OrvNgCursorPath.h"
 #include "OrvNodeGraph/OrvNgEdge.h"
+#include "OrvNodeGraph/OrvNgFarFrame.h"
 #include "OrvNodeGraph/OrvNgGrid.h"
 #include "OrvNodeGraph/OrvNgGuardedItem.h"
 #include "OrvNodeGraph/OrvNgMinimap.h"
@@ -27,7 +28,6 @@
 #include <QWheelEvent>
 
 #include <cmath>
-#include <typeinfo>
 
 namespace {
 
@@ -38,10 +38,7 @@ constexpr int kAutoScrollStep = 10; // viewport pixels
 constexpr double kSmallestZoom = 0.07; // of zoomIn() and zoomOut(), both inclusive
 constexpr double kLargestZoom = 100.0;
 constexpr double kWheelFactor = 1.15;
-constexpr int kMinimapDarkening = 130; // percent
-constexpr double kSeverPathWidth = 1.0; // viewport pixels
 constexpr double kFarthestCoordinate = 1e9; // scroll bars count in int
-constexpr int kOutlineReach = 4; // viewport pixels: how far items paint beyond their bounds
 
 bool isFinite(const QRectF& rect)
 {
@@ -95,6 +92,7 @@ OrvNgView::OrvNgView(QWidget* parent)
     , m_Band(std::make_unique<OrvNgRubberBand>())
     , m_Path(std::make_unique<OrvNgCursorPath>())
     , m_Grid(std::make_unique<OrvNgGrid>())
+    , m_Far(std::make_unique<OrvNgFarFrame>())
     , m_RazorCursor(razorCursor())
 {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -130,6 +128,7 @@ void OrvNgView::connectServices()
     const OrvNgStyle& style = OrvNgStyle::instance();
     connect(&style, &OrvNgStyle::SceneBackgroundBrushChanged, this, &OrvNgView::refreshBackground);
     connect(&style, &OrvNgStyle::GridPenChanged, this, &OrvNgView::refreshBackground);
+    watchStyle();
 }
 
 void OrvNgView::init()
@@ -681,136 +680,4 @@ void OrvNgView::resizeEvent(QResizeEvent* event)
     const QPointF oldCenter = sceneCenter(oldSize);
     setNewSceneRect();
     centerViewOn(oldCenter, false);
-}
-
-// Painting
-
-void OrvNgView::setGridEnabled(bool Enabled)
-{
-    if (m_GridEnabled == Enabled)
-        return;
-    m_GridEnabled = Enabled;
-    refreshBackground();
-}
-
-void OrvNgView::refreshBackground()
-{
-    m_Minimap->markStale();
-    if (scene())
-        scene()->update();
-}
-
-void OrvNgView::paintEvent(QPaintEvent* event)
-{
-    m_OnePixelInSceneSpace = calcOnePixelInSceneSpace();
-    m_PartialUpdates->follow(scene());
-    QGraphicsView::paintEvent(event);
-    if (drawingEdgeSeverPath())
-        paintSeverPath();
-    if (m_Band->isActive())
-        paintBand();
-    m_MinimapShown = shouldDisplayMinimap() && !minimapRect().isEmpty();
-    if (m_MinimapShown) {
-        m_MinimapPainted = minimapArea();
-        paintMinimap();
-    }
-}
-
-bool OrvNgView::paintsOnlyScene() const
-{
-    return typeid(*this) == typeid(OrvNgView);
-}
-
-bool OrvNgView::canPaintPartly() const
-{
-    return paintsOnlyScene() && viewportUpdateMode() == QGraphicsView::FullViewportUpdate
-        && cacheMode() == QGraphicsView::CacheNone;
-}
-
-void OrvNgView::scrollContentsBy(int dx, int dy)
-{
-    if (canMovePixels())
-        movePixels(dx, dy);
-    else
-        QGraphicsView::scrollContentsBy(dx, dy);
-}
-
-/// Not while something is drawn that stays in its place or hangs on the cursor, nor where a step is a part of a
-/// pixel of the screen. Children of the viewport would move as well.
-bool OrvNgView::canMovePixels() const
-{
-    const double ratio = viewport()->devicePixelRatioF();
-    return canPaintPartly() && ratio == std::floor(ratio) && !m_Band->isActive()
-        && !drawingEdgeSeverPath() && viewport()->children().isEmpty();
-}
-
-/// The base class moves the pixels and repaints what is uncovered when it is not to repaint everything. Items may
-/// paint a little beyond their bounds, so some of what has been there before is repainted as well.
-void OrvNgView::movePixels(int dx, int dy)
-{
-    setViewportUpdateMode(QGraphicsView::MinimalViewportUpdate);
-    QGraphicsView::scrollContentsBy(dx, dy);
-    setViewportUpdateMode(QGraphicsView::FullViewportUpdate);
-
-    const QRect area = viewport()->rect();
-    const QRect kept = area.translated(dx, dy).adjusted(dx > 0 ? kOutlineReach : 0,
-        dy > 0 ? kOutlineReach : 0, dx < 0 ? -kOutlineReach : 0, dy < 0 ? -kOutlineReach : 0);
-    viewport()->update(QRegion(area) - kept);
-    if (m_MinimapShown) {
-        m_MinimapPainted.translate(dx, dy);
-        viewport()->update(m_MinimapPainted);
-        viewport()->update(minimapArea());
-    }
-    if (m_MinimapShown != shouldDisplayMinimap())
-        viewport()->update();
-}
-
-void OrvNgView::paintSeverPath()
-{
-    if (m_Path->points().size() < 2)
-        return;
-    QPainter painter(viewport());
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(OrvNgStyle::instance().getSeveredEdgeColor(), kSeverPathWidth));
-    painter.drawPath(cursorPainterPath(m_Path->points(), true));
-}
-
-void OrvNgView::paintBand()
-{
-    QPainter painter(viewport());
-    m_Band->paint(&painter, viewport());
-}
-
-void OrvNgView::paintMinimap()
-{
-    if (m_Minimap->isRendering())
-        return;
-    QPainter painter(viewport());
-    QColor background
-        = OrvNgStyle::instance().getSceneBackgroundColor().toQColor().darker(kMinimapDarkening);
-    background.setAlpha(255);
-    m_Minimap->paint(&painter, minimapFrame(), scene(), viewportInSceneCoords(), background,
-        viewport()->devicePixelRatioF());
-}
-
-void OrvNgView::updateViewportRect(const QRect& rect)
-{
-    if (!rect.isValid() || viewportUpdateMode() == QGraphicsView::NoViewportUpdate)
-        return;
-    if (viewportUpdateMode() == QGraphicsView::FullViewportUpdate)
-        viewport()->update();
-    else
-        viewport()->update(OrvNgRubberBand::region(rect, viewport()));
-}
-
-void OrvNgView::drawBackground(QPainter* painter, const QRectF& rect)
-{
-    const OrvNgStyle& style = OrvNgStyle::instance();
-    if (!m_GridEnabled) {
-        painter->fillRect(rect, style.getSceneBackgroundBrush());
-        return;
-    }
-    const auto* network = OrvShaderNetworkManager::instance();
-    m_Grid->paint(painter, rect, QSize(network->gridWidth(), network->gridHeight()),
-        style.getGridPen(), style.getSceneBackgroundBrush());
 }

@@ -13,6 +13,7 @@
 
 class OrvNgCursorPath;
 class OrvNgEdge;
+class OrvNgFarFrame;
 class OrvNgGrid;
 class OrvNgGuardedItem;
 class OrvNgMinimap;
@@ -226,10 +227,14 @@ protected:
     void leaveEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+
+private Q_SLOTS:
+    void forgetFarPicture();
 
 private:
     void connectServices();
@@ -286,6 +291,12 @@ private:
     bool canPaintPartly() const;
     bool canMovePixels() const;
     void movePixels(int dx, int dy);
+    void watchStyle();
+    bool isFar(const QTransform& toView) const;
+    bool isPaintingOnScreen() const;
+    bool updateFarPicture();
+    void paintFar(const QPaintEvent* event);
+    void paintOverview(QImage* picture, const QTransform& toPicture);
     void paintSeverPath();
     void paintBand();
     void paintMinimap();
@@ -335,6 +346,8 @@ private:
     QTimer m_BoundsTimer;
     bool m_BoundsDirty = true;
     std::unique_ptr<OrvNgGrid> m_Grid;
+    std::unique_ptr<OrvNgFarFrame> m_Far;
+    double m_FarScale = 0.0; ///< level of detail up to which no item shows its texts
     QCursor m_RazorCursor;
     double m_OnePixelInSceneSpace = 1.0;
     QSize m_CenteredSize; ///< of the viewport when the view was last centred; invalid before

@@ -263,7 +263,7 @@ QString pictureBroken(RandomWorld& world, const QGraphicsView& view)
     if (!view.isVisible() || !view.window()->isVisible())
         return {};
     const QImage before = shown(view);
-    view.viewport()->update();
+    view.scene()->update(); // nothing that is kept holds any more
     world.process();
     const QImage after = shown(view);
     if (looksSame(before, after))
