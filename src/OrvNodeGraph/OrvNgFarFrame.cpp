@@ -144,7 +144,8 @@ bool OrvNgFarFrame::update(QGraphicsView* view)
 bool OrvNgFarFrame::bringListUpToDate()
 {
     const bool holds = !m_IsAllChanged && m_RollChanges == OrvNgRollCall::changes()
-        && m_List.areOthersThere(m_Scene) && (m_Changed.isEmpty() || m_List.refresh(m_Scene, m_Changed));
+        && m_List.areOthersThere(m_Scene)
+        && (m_Changed.isEmpty() || m_List.refresh(m_Scene, m_Changed));
     if (!holds && !m_List.call(m_Scene)) {
         m_Pictures.clear();
         m_OverviewPictures.clear();

@@ -129,9 +129,11 @@ void OrvNgFarLines::drawLine(const QPointF& from, const QPointF& to, const QRect
     const int highest = isSteep ? clip.right() : clip.bottom();
     const double begin = qMax(std::ceil(along(low) - 0.5), double(firstInClip));
     const double end = qMin(std::ceil(along(low) + length - 0.5) - 1.0, double(lastInClip));
+    if (!(begin <= end))
+        return;
     double place = across(low) + (begin + 0.5 - along(low)) * slope - 0.5;
     for (int i = int(begin); i <= int(end); ++i, place += slope) {
-        if (place < lowest - 1.0 || place > highest + 1.0)
+        if (!(place >= lowest - 1.0 && place <= highest + 1.0))
             continue;
         const double lower = std::floor(place);
         const double upperShare = place - lower;

@@ -39,8 +39,8 @@ void appendCurve(QVector<QPointF>& points, const QPointF& c1, const QPointF& c2,
     const QPointF start = points.constLast();
     const double length
         = QLineF(start, c1).length() + QLineF(c1, c2).length() + QLineF(c2, end).length();
-    const int lines
-        = qBound(1, int(std::ceil(std::sqrt(length) * kLinesPerRoot)), kMostLinesPerCurve);
+    const int lines = int(
+        std::ceil(qBound(1.0, std::sqrt(length) * kLinesPerRoot, double(kMostLinesPerCurve))));
     for (int i = 1; i <= lines; ++i) {
         const double t = double(i) / lines;
         const double u = 1.0 - t;

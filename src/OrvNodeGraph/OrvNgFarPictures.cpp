@@ -18,6 +18,8 @@ constexpr int kMargin
     = 4; // device pixels around a node's bounds: outlines of the selected and the hovered
 constexpr int kSharedBy
     = 8; // nodes; below that painting a node is cheaper than making its pictures
+constexpr double kWidestPicture = 2000.0; // device pixels
+constexpr double kLargestNode = 100.0 * 1000.0; // pixels; its picture takes sixteen times as many
 constexpr double kSmallestPort
     = 1.5; // device pixels; smaller ones vanish or swell when painted as they are
 constexpr qint64 kMostPixels = 4 * 1024 * 1024; // 16 MB, and as much again for the large ones
@@ -91,12 +93,14 @@ void OrvNgFarPictures::clear()
     m_Pixels = 0;
 }
 
-bool OrvNgFarPictures::isShared(int look, int uses)
+bool OrvNgFarPictures::isShared(const OrvNgExtendedNode& node, int look, int uses)
 {
     const auto known = m_IsShared.constFind(look);
     if (known != m_IsShared.constEnd())
         return *known;
-    const bool isShared = uses >= kSharedBy || OrvNgPort::kPortWidth * m_ScaleX < kSmallestPort;
+    const QRectF bounds = node.boundingRect();
+    const bool isShared = (uses >= kSharedBy || OrvNgPort::kPortWidth * m_ScaleX < kSmallestPort)
+        && bounds.width() * bounds.height() * m_ScaleX * m_ScaleY < kLargestNode;
     m_IsShared.insert(look, isShared);
     return isShared;
 }
@@ -104,7 +108,7 @@ bool OrvNgFarPictures::isShared(int look, int uses)
 void OrvNgFarPictures::draw(QPainter* painter, OrvNgExtendedNode& node, int look, int uses,
     const QPointF& topLeft, double width)
 {
-    if (!isShared(look, uses)) {
+    if (!isShared(node, look, uses) || width * m_ScaleX > kWidestPicture) {
         paintNode(painter, node, m_Shot.m_ToView.map(topLeft));
         return;
     }

@@ -38,7 +38,7 @@ public:
         const QPointF& topLeft, double width);
 
 private:
-    bool isShared(int look, int uses);
+    bool isShared(const OrvNgExtendedNode& node, int look, int uses);
     void paintNode(QPainter* painter, OrvNgExtendedNode& node, const QPointF& corner) const;
     QPixmap make(OrvNgExtendedNode& node, quint64 key, int phaseX, int phaseY);
     QPixmap toPixmap(const QImage& image) const;

@@ -7,11 +7,13 @@
 
 namespace {
 
+constexpr QRectF kCountable(-1e9, -1e9, 2e9, 2e9); // coordinates that an int holds
+
 QStyleOptionGraphicsItem optionFor(QGraphicsItem* item)
 {
     QStyleOptionGraphicsItem option;
     option.exposedRect = item->boundingRect();
-    option.rect = option.exposedRect.toRect();
+    option.rect = (option.exposedRect & kCountable).toRect();
     option.state = QStyle::State_None;
     option.styleObject = item->toGraphicsObject();
     const auto set = [&option](bool on, QStyle::StateFlag flag) { option.state.setFlag(flag, on); };

@@ -315,6 +315,25 @@ private Q_SLOTS:
         QVERIFY(difference(atOnce, stage.picture()) <= 1);
     }
 
+    /// What is larger than the coordinates of pixels is cut off at the view.
+    void hugeItems()
+    {
+        FarStage stage;
+        stage.m_Rect->setRect(-1e12, -1e12, 2e12, 2e12);
+        stage.m_Rect->setZValue(-1e3);
+        stage.m_Node->setPos(1e8, 3e7);
+        const QImage far = stage.wholePicture();
+        const QPointF free(800, 500);
+        QCOMPARE(stage.seenAt(far, free), QColor(Qt::green));
+        const QPointF end = stage.m_Source->mapToScene(stage.m_Source->boundingRect().center());
+        int crossed = 0; // by the edge to the node that is nowhere near
+        for (double x = end.x() + 200; x < 1500; x += 5) {
+            for (double y = -200; y < 700; y += 5)
+                crossed += stage.seenAt(far, {x, y}) != QColor(Qt::green);
+        }
+        QVERIFY(crossed > 20);
+    }
+
     /// Two views show one scene alike, and one may leave it.
     void secondViewFollows()
     {
