@@ -92,6 +92,7 @@ bool OrvNgFarList::call(QGraphicsScene* scene)
         m_Looks.clear();
     const QVector<OrvNgRollCall::Entry> roll = OrvNgRollCall::hold(scene, kEverywhere);
     m_Items.reserve(roll.size());
+    int edges = 0;
     for (const OrvNgRollCall::Entry& entry : roll) {
         Item item;
         item.m_Item = entry.m_Item;
@@ -99,11 +100,13 @@ bool OrvNgFarList::call(QGraphicsScene* scene)
         item.m_Z = entry.m_Item->zValue();
         reset(item);
         m_Items.append(item);
+        edges += item.m_Kind == OrvNgRollCall::Kind::Edge ? 1 : 0;
         if (item.m_Kind == OrvNgRollCall::Kind::Other && !dynamic_cast<OrvNgNode*>(item.m_Item)) {
             m_Others.insert(item.m_Item);
             m_OtherBounds |= item.m_Bounds;
         }
     }
+    m_Edges.reserve(edges);
     return keepsLooks;
 }
 

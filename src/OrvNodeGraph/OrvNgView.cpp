@@ -655,6 +655,7 @@ void OrvNgView::showEvent(QShowEvent* event)
     setResizeAnchor(QGraphicsView::AnchorViewCenter);
     QGraphicsView::showEvent(event);
     setTransformationAnchor(anchor);
+    spareWidgetBackground();
 }
 
 void OrvNgView::hideEvent(QHideEvent* event)

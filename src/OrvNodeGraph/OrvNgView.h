@@ -291,6 +291,7 @@ private:
     bool canPaintPartly() const;
     bool canMovePixels() const;
     void movePixels(int dx, int dy);
+    void spareWidgetBackground();
     void watchStyle();
     bool isFar(const QTransform& toView) const;
     bool isPaintingOnScreen() const;

@@ -41,6 +41,7 @@ void OrvNgView::setGridEnabled(bool Enabled)
 void OrvNgView::refreshBackground()
 {
     m_Minimap->markStale();
+    spareWidgetBackground();
     if (scene())
         scene()->update();
 }
@@ -65,6 +66,14 @@ void OrvNgView::paintEvent(QPaintEvent* event)
     }
     if (!far)
         m_Far->leave(); // near by, and after the minimap, nothing has to be heard
+}
+
+/// From the next paint on, the viewport is not filled with what nobody will see.
+void OrvNgView::spareWidgetBackground()
+{
+    const bool isCovered
+        = paintsOnlyScene() && OrvNgStyle::instance().getSceneBackgroundBrush().isOpaque();
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent, isCovered);
 }
 
 bool OrvNgView::paintsOnlyScene() const
@@ -252,7 +261,12 @@ void OrvNgView::drawBackground(QPainter* painter, const QRectF& rect)
         return;
     }
     const auto* network = OrvShaderNetworkManager::instance();
-    m_Grid->paint(painter, rect, QSize(network->gridWidth(), network->gridHeight()),
+    // A line just outside the exposed part reaches into it with half its width.
+    const double pixel = m_OnePixelInSceneSpace;
+    const double reach = 0.5 * style.getGridPen().widthF() * qMax(1.0, pixel) + pixel;
+    const QRectF whole = viewportInSceneCoords();
+    const QRectF exposed = (rect.adjusted(-reach, -reach, reach, reach) & whole) | rect;
+    m_Grid->paint(painter, exposed, QSize(network->gridWidth(), network->gridHeight()),
         style.getGridPen(), style.getSceneBackgroundBrush());
 }
 
