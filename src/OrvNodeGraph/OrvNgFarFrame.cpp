@@ -211,8 +211,8 @@ void OrvNgFarFrame::movePicture(int x, int y)
         const int row = y > 0 ? rows - 1 - i : i; // no row is overwritten before it has moved
         const uchar* from = m_Picture.constScanLine(row + qMax(0, -y));
         uchar* to = m_Picture.scanLine(row + qMax(0, y));
-        std::memmove(
-            to + qMax(0, x) * int(sizeof(QRgb)), from + qMax(0, -x) * int(sizeof(QRgb)), length);
+        std::memmove(to + size_t(qMax(0, x)) * sizeof(QRgb),
+            from + size_t(qMax(0, -x)) * sizeof(QRgb), length);
     }
 }
 

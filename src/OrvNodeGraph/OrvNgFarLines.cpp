@@ -131,8 +131,9 @@ void OrvNgFarLines::drawLine(const QPointF& from, const QPointF& to, const QRect
     const double end = qMin(std::ceil(along(low) + length - 0.5) - 1.0, double(lastInClip));
     if (!(begin <= end))
         return;
-    double place = across(low) + (begin + 0.5 - along(low)) * slope - 0.5;
-    for (int i = int(begin); i <= int(end); ++i, place += slope) {
+    const double first = across(low) + (begin + 0.5 - along(low)) * slope - 0.5;
+    for (int i = int(begin); i <= int(end); ++i) {
+        const double place = first + (i - int(begin)) * slope;
         if (!(place >= lowest - 1.0 && place <= highest + 1.0))
             continue;
         const double lower = std::floor(place);

@@ -22,7 +22,7 @@ constexpr double kWidestPicture = 2000.0; // device pixels
 constexpr double kLargestNode = 100.0 * 1000.0; // pixels; its picture takes sixteen times as many
 constexpr double kSmallestPort
     = 1.5; // device pixels; smaller ones vanish or swell when painted as they are
-constexpr qint64 kMostPixels = 4 * 1024 * 1024; // 16 MB, and as much again for the large ones
+constexpr qint64 kMostPixels = qint64(4) * 1024 * 1024; // 16 MB, and as much again for the large ones
 
 /// A quarter of the size in both directions, shifted right and down by so many of the large pixels. The
 /// outermost pixels are empty anyway.
@@ -34,13 +34,14 @@ QImage reduce(const QImage& large, int shiftX, int shiftY)
     small.fill(Qt::transparent);
     for (int y = 1; y < small.height(); ++y) {
         auto* out = reinterpret_cast<quint32*>(small.scanLine(y));
-        const uchar* in = large.constScanLine(y * kPhases - shiftY) - shiftX * 4;
+        const uchar* in = large.constScanLine(y * kPhases - shiftY) - ptrdiff_t(shiftX) * 4;
         for (int x = 1; x < small.width(); ++x) {
             quint64 even = 0x0008000800000000ULL; // for rounding
             quint64 odd = even;
             for (int row = 0; row < kPhases; ++row) {
                 quint64 pixels[2];
-                std::memcpy(pixels, in + row * large.bytesPerLine() + x * kPhases * 4, 16);
+                std::memcpy(pixels,
+                    in + ptrdiff_t(row) * large.bytesPerLine() + ptrdiff_t(x) * kPhases * 4, 16);
                 even += (pixels[0] & kEven) + (pixels[1] & kEven);
                 odd += ((pixels[0] >> 8) & kEven) + ((pixels[1] >> 8) & kEven);
             }
@@ -141,15 +142,12 @@ void OrvNgFarPictures::draw(QPainter* painter, OrvNgExtendedNode& node, int look
 /// to whole pixels or to none.
 QPixmap OrvNgFarPictures::make(OrvNgExtendedNode& node, quint64 key, int phaseX, int phaseY)
 {
-    const QImage* large = m_Large.object(key);
-    if (!large) {
-        auto* painted = new QImage(paintLarge(node));
-        large = painted;
-        const QImage reduced = reduce(*painted, phaseX, phaseY);
-        m_Large.insert(key, painted, painted->width() * painted->height()); // may delete it
-        return toPixmap(reduced);
-    }
-    return toPixmap(reduce(*large, phaseX, phaseY));
+    if (const QImage* large = m_Large.object(key))
+        return toPixmap(reduce(*large, phaseX, phaseY));
+    auto* const painted = new QImage(paintLarge(node));
+    const QImage reduced = reduce(*painted, phaseX, phaseY);
+    m_Large.insert(key, painted, painted->width() * painted->height()); // may delete it
+    return toPixmap(reduced);
 }
 
 QPixmap OrvNgFarPictures::toPixmap(const QImage& image) const
