@@ -843,10 +843,26 @@ void OrvNgEdge::finalizeAdjustment()
 // The scene has indexed the bounds of the last shape; they are announced before the next is computed.
 void OrvNgEdge::markShapeDirty()
 {
+    announceChange();
+    m_ShapeDirty = true;
+}
+
+void OrvNgEdge::announceChange()
+{
     m_BoundsHeld = true;
     prepareGeometryChange();
     m_BoundsHeld = false;
-    m_ShapeDirty = true;
+}
+
+QVariant OrvNgEdge::itemChange(GraphicsItemChange change, const QVariant& value)
+{
+    if (change == ItemSceneHasChanged && !m_IsDying) {
+        // Views that did not show it before take no notice of it otherwise.
+        if (scene() && m_HasLeftScene)
+            announceChange();
+        m_HasLeftScene = !scene();
+    }
+    return QGraphicsItem::itemChange(change, value);
 }
 
 void OrvNgEdge::updateShape() const

@@ -195,6 +195,7 @@ protected:
     /// Whether the cursor has left the port out of which it pulled the edge.
     bool hasLeftPort() const { return m_Drag && m_Drag->m_LeftPort; }
 
+    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
     bool sceneEvent(QEvent* event) override;
     void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
     void hoverLeaveEvent(QGraphicsSceneHoverEvent* event) override;
@@ -288,6 +289,7 @@ private:
     void placeChildren(const OrvNgEdgeRoute& route);
     void placeMidpointItems();
     void markShapeDirty();
+    void announceChange();
     void updateShape() const;
 
     bool isShownAtAll() const;
@@ -317,6 +319,7 @@ private:
     bool m_HasAdjusted = false; ///< m_Ends and m_LabelFraction are those of the last adjustment
     bool m_RoutePending = false; ///< the children do not show m_Ends yet
     bool m_BoundsHeld = false; ///< the stored bounds are asked for, whether or not they still hold
+    bool m_HasLeftScene = false; ///< has been in one, is in none
     bool m_IsDestroyed = false;
     bool m_IsDying = false;
     QString m_SourceOutputPoint;

@@ -839,6 +839,9 @@ QVariant OrvNgNode::itemChange(GraphicsItemChange change, const QVariant& value)
     case ItemSceneHasChanged:
         if (!scene())
             cancelDrag();
+        else if (m_HasLeftScene)
+            holdBoundsForChange(); // views that did not show it before take no notice of it otherwise
+        m_HasLeftScene = !scene();
         followScene();
         notifySceneOfChange();
         break;

@@ -450,6 +450,7 @@ private:
     bool m_BoundsFollowChildren = true;
     bool m_BoundsHeld = false; ///< the stored bounds are asked for, whether or not they still hold
     bool m_WasVisible = true; ///< what the edges were last told
+    bool m_HasLeftScene = false; ///< has been in one, is in none
     bool m_IsDestroyed = false;
     bool m_IsDying = false;
 };

@@ -159,6 +159,33 @@ private Q_SLOTS:
         }
     }
 
+    /// The framework keeps for an item out of sight that nothing of it is shown, also when it leaves its scene.
+    void itemsThatMovedOutOfSight_areShownWhenTheyEnter()
+    {
+        PartialStage stage;
+        stage.m_View.setViewportUpdateMode(QGraphicsView::MinimalViewportUpdate);
+        stage.m_View.setMinimapVisible(false);
+        stage.settle();
+        const QImage shown = stage.screen();
+        const QList<QGraphicsItem*> edge{stage.m_Node->input(kA)};
+        for (const QList<QGraphicsItem*>& items : {{stage.m_Source, stage.m_Node}, edge}) {
+            stage.m_View.centerViewOn(QPointF(9000, 0), true);
+            for (const int dy : {5, -5}) {
+                stage.m_Source->moveBy(0, dy);
+                stage.m_Node->moveBy(0, dy);
+                stage.settle();
+            }
+            for (QGraphicsItem* item : items)
+                stage.m_Scene.removeItem(item);
+            stage.m_View.centerViewOn(QPointF(100, 50), true);
+            stage.settle();
+            for (QGraphicsItem* item : items)
+                stage.m_Scene.addItem(item);
+            stage.settle();
+            QCOMPARE(qMax(difference(shown, stage.screen()), kRounding), kRounding);
+        }
+    }
+
     /// A second view on the scene whose mode the host has chosen keeps it, and a view may go while the
     /// scene tells its changes.
     void otherViews_areLeftAlone()
