@@ -2,6 +2,7 @@
 
 #include <QList>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 
@@ -17,15 +18,12 @@ public:
     quint32 roll() { return quint32(m_Engine()); }
     /// 0 to bound - 1; 0 for a bound of 0.
     int below(int bound) { return bound > 0 ? int(roll() % quint32(bound)) : 0; }
-    bool chance(double probability) { return roll() < probability * 4294967296.0; }
+    bool maybe(double probability = 0.5) { return roll() < probability * 4294967296.0; }
     double between(double low, double high)
     {
         return low + (high - low) * double(roll()) / 4294967295.0;
     }
-    template <typename T> T of(const QList<T>& values)
-    {
-        return values.value(below(values.size()));
-    }
+    template <typename T> T of(const QList<T>& all) { return all.value(below(all.size())); }
     void oneOf(std::initializer_list<std::function<void()>> acts)
     {
         acts.begin()[below(int(acts.size()))]();
@@ -36,16 +34,10 @@ public:
     template <typename T, typename Key> T* pick(const QList<T*>& from, Key&& key)
     {
         const quint32 salt = roll();
-        T* best = nullptr;
-        quint32 least = 0;
-        for (T* candidate : from) {
-            const quint32 rank = scramble(key(*candidate) ^ salt);
-            if (!best || rank < least) {
-                best = candidate;
-                least = rank;
-            }
-        }
-        return best;
+        const auto rank = [&](T* one) { return scramble(key(*one) ^ salt); };
+        const auto best = std::min_element(from.cbegin(), from.cend(),
+            [&rank](T* one, T* other) { return rank(one) < rank(other); });
+        return best == from.cend() ? nullptr : *best;
     }
 
     static quint32 scramble(quint32 bits)

@@ -18,6 +18,7 @@ namespace {
 
 using W = RandomWorld;
 using Keys = Qt::KeyboardModifiers;
+#define DO(...) [&] { __VA_ARGS__; }
 
 const QList<Qt::MouseButton> kButtons{Qt::LeftButton, Qt::RightButton, Qt::MiddleButton};
 
@@ -39,24 +40,22 @@ OrvNgPort* anyPort(W& w)
 
 QPointF anyTargetInScene(W& w)
 {
-    const int kind = w.m_Dice.below(10);
+    const int kind = w.below(10);
     OrvNgNode* node = w.anyLiveNode();
-    if (kind < 5 && node) {
-        const QRectF body = node->nodeShapeRect();
-        if (kind > 0)
-            return node->mapToScene(body.center())
-                + QPointF(w.m_Dice.between(-20, 20), w.m_Dice.between(-8, 8));
+    const QRectF body = node ? node->nodeShapeRect() : QRectF();
+    if (kind == 0 && node) // header button, handles, title bar
         return node->mapToScene(QPointF(w.maybe() ? body.left() + 4 : body.right() - 4,
-            w.maybe() ? body.top() + 4 : body.bottom() - 4)); // header button, handles, title bar
-    }
+            w.maybe() ? body.top() + 4 : body.bottom() - 4));
+    if (kind < 5 && node)
+        return node->mapToScene(body.center()) + QPointF(w.between(-20, 20), w.between(-8, 8));
     OrvNgPort* port = kind < 7 ? anyPort(w) : nullptr;
     if (port)
         return centerOf(*port);
     OrvNgEdge* edge = kind < 9 ? w.anyEdge() : nullptr;
     const QPainterPath path = edge && edge->isVisible() ? edge->mainEdge()->path() : QPainterPath();
     if (!path.isEmpty())
-        return path.pointAtPercent(w.m_Dice.between(0, 1));
-    return {w.m_Dice.between(-400, 400), w.m_Dice.between(-300, 300)};
+        return path.pointAtPercent(w.between(0, 1));
+    return {w.between(-400, 400), w.between(-300, 300)};
 }
 
 /// No mouse goes far beyond the screen.
@@ -69,19 +68,15 @@ QPoint viewPos(W& w, const QPointF& scenePos)
 QPoint anyTarget(W& w)
 {
     if (w.maybe(0.1))
-        return {w.m_Dice.below(w.m_View->width() + 60) - 30,
-            w.m_Dice.below(w.m_View->height() + 60) - 30};
+        return {w.below(w.m_View->width() + 60) - 30, w.below(w.m_View->height() + 60) - 30};
     return viewPos(w, anyTargetInScene(w));
 }
 
 Keys anyKeys(W& w)
 {
     Keys keys;
-    for (const Qt::KeyboardModifier key :
-        {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
-        if (w.maybe(0.12))
-            keys |= key;
-    }
+    for (const auto key : {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier})
+        keys.setFlag(key, w.maybe(0.12));
     return keys;
 }
 
@@ -117,11 +112,11 @@ void glide(W& w, const QPoint& to, int moves, Keys keys = {})
 void finishDrag(W& w, double probability = 0.7)
 {
     QList<QPointer<OrvNgNode>> dragged;
-    const QList<OrvNgNode*> nodes = w.nodes();
-    std::copy_if(nodes.cbegin(), nodes.cend(), std::back_inserter(dragged), [](OrvNgNode* node) {
-        return node->highlightedEdge()
-            || (node->isSelected() && node->pos() != node->previousPosition());
-    });
+    for (OrvNgNode* node : w.nodes()) {
+        if (node->highlightedEdge()
+            || (node->isSelected() && node->pos() != node->previousPosition()))
+            dragged.append(node);
+    }
     for (const QPointer<OrvNgNode>& node : qAsConst(dragged)) {
         if (node && w.maybe(0.3)) {
             w.hostActs();
@@ -136,18 +131,17 @@ void finishDrag(W& w, double probability = 0.7)
 
 void anyPress(W& w)
 {
-    press(w, anyTarget(w), w.m_Dice.of(kButtons + QList<Qt::MouseButton>{Qt::LeftButton}),
-        anyKeys(w));
+    press(w, anyTarget(w), w.of(kButtons + QList<Qt::MouseButton>{Qt::LeftButton}), anyKeys(w));
 }
 
 void anyMove(W& w)
 {
-    glide(w, anyTarget(w), 1 + w.m_Dice.below(3), anyKeys(w));
+    glide(w, anyTarget(w), 1 + w.below(3), anyKeys(w));
 }
 
 void anyRelease(W& w)
 {
-    const Qt::MouseButton button = w.m_Dice.of(kButtons);
+    const Qt::MouseButton button = w.of(kButtons);
     if (w.maybe(0.5))
         w.m_MousePos = anyTarget(w);
     if (w.m_Held.testFlag(button) && w.maybe(0.1))
@@ -172,10 +166,23 @@ void doubleClick(W& w)
 void wheel(W& w)
 {
     const QPoint pos = anyTarget(w);
-    const QPoint angle(w.m_Dice.below(3) * 120 - 120, w.m_Dice.below(5) * 120 - 240);
+    const QPoint angle(w.below(3) * 120 - 120, w.below(5) * 120 - 240);
     QWheelEvent event(pos, w.m_View->viewport()->mapToGlobal(pos), QPoint(), angle, w.m_Held,
         anyKeys(w), Qt::NoScrollPhase, false);
     QApplication::sendEvent(w.m_View->viewport(), &event);
+}
+
+void key(W& w)
+{
+    const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Delete,
+        Qt::Key_A, Qt::Key_Space, Qt::Key_Return};
+    QTest::keyClick(w.m_View, w.of(keys), anyKeys(w));
+}
+
+void enterLeave(W& w)
+{
+    QEvent event(w.maybe() ? QEvent::Enter : QEvent::Leave);
+    QApplication::sendEvent(w.maybe() ? w.m_View : w.m_View->viewport(), &event);
 }
 
 void focus(W& w)
@@ -187,8 +194,7 @@ void resize(W& w)
 {
     w.dealWithMoves();
     const QList<QSize> odd{{1, 1}, {0, 0}, {3000, 60}};
-    w.m_Window->resize(w.maybe(0.1) ? w.m_Dice.of(odd)
-                                    : QSize(300 + w.m_Dice.below(300), 200 + w.m_Dice.below(300)));
+    w.m_Window->resize(w.maybe(0.1) ? w.of(odd) : QSize(300 + w.below(300), 200 + w.below(300)));
 }
 
 void hideShow(W& w)
@@ -223,7 +229,7 @@ void meddle(W& w, double probability)
     if (!w.maybe(probability))
         return;
     w.hostActs();
-    w.m_Dice.of(RandomOperations::reactions(true))(w);
+    w.of(RandomOperations::reactions(true))(w);
 }
 
 void drag(W& w)
@@ -232,16 +238,16 @@ void drag(W& w)
         + QList<RandomAct>{focus, hideShow, anyPress, wheel} + RandomOperations::reactions(true);
     const Keys keys = w.maybe(0.8) ? Keys() : anyKeys(w);
     const OrvNgNode* node = w.anyLiveNode();
-    const QPoint from = node && w.maybe(0.7) ? viewPos(w,
-                            node->sceneBoundingRect().topLeft()
-                                + QPointF(w.m_Dice.between(2, 60), w.m_Dice.between(2, 16)))
-                                             : anyTarget(w);
+    const QPointF corner = node ? node->sceneBoundingRect().topLeft() : QPointF();
+    const QPoint from = node && w.maybe(0.7)
+        ? viewPos(w, corner + QPointF(w.between(2, 60), w.between(2, 16)))
+        : anyTarget(w);
     mouse(w, QEvent::MouseMove, from, Qt::NoButton, keys);
     press(w, from, Qt::LeftButton, keys);
-    glide(w, anyTarget(w), 1 + w.m_Dice.below(4), keys);
+    glide(w, anyTarget(w), 1 + w.below(4), keys);
     if (w.maybe(0.2)) { // under the user's hand
         w.hostActs();
-        w.m_Dice.of(s_Meanwhile)(w);
+        w.of(s_Meanwhile)(w);
         glide(w, anyTarget(w), 2, keys);
     }
     if (!w.maybe(0.93))
@@ -257,7 +263,7 @@ void pull(W& w)
     if (!port)
         return;
     press(w, viewPos(w, centerOf(*port)));
-    glide(w, anyTarget(w), 1 + w.m_Dice.below(3));
+    glide(w, anyTarget(w), 1 + w.below(3));
     if (w.maybe(0.7))
         release(w);
     meddle(w, 0.1);
@@ -285,7 +291,7 @@ void sever(W& w)
     w.m_View->setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_SEVER_EDGES);
     const QPoint from = anyTarget(w);
     press(w, from);
-    glide(w, from + QPoint(w.m_Dice.below(400) - 200, w.m_Dice.below(300) - 150), 6);
+    glide(w, from + QPoint(w.below(400) - 200, w.below(300) - 150), 6);
     meddle(w, 0.1);
     if (w.maybe(0.9))
         release(w);
@@ -319,8 +325,7 @@ void pickUp(W& w)
 void navigate(W& w)
 {
     if (w.maybe(0.1))
-        w.m_View->setNavigationSchemeName(
-            w.maybe(0.6) ? QStringLiteral("Quill") : QStringLiteral("Harbor"));
+        w.m_View->setNavigationSchemeName(QLatin1String(w.maybe(0.6) ? "Quill" : "Harbor"));
     const Keys keys = w.maybe(0.4) ? Qt::AltModifier : Qt::NoModifier;
     const Qt::MouseButton button = w.maybe(0.7) ? Qt::MiddleButton : Qt::RightButton;
     press(w, anyTarget(w), button, keys);
@@ -335,14 +340,12 @@ void viewCalls(W& w)
 {
     RandomView& view = *w.m_View;
     const QRectF rect(w.anyNumber(), w.anyNumber(), w.anyNumber(), w.anyNumber());
-    w.m_Dice.oneOf({[&] { view.zoomIn(w.anyNumber()); }, [&] { view.zoomOut(1.2); },
-        [&] { view.scaleView(w.anyNumber()); }, [&] { view.fitInView(rect, Qt::KeepAspectRatio); },
-        [&] { view.panUp(); }, [&] { view.panRight(); },
-        [&] { view.setMinimapVisible(w.maybe(0.7)); },
-        [&] {
-            view.setCursorTrackingMode(OrvNgView::OrvCursorTrackingMode(w.m_Dice.below(3)));
-            view.setCursorTrackingMode(OrvNgView::CURSOR_TRACKING_NONE);
-        }});
+    const auto track
+        = [&view](int mode) { view.setCursorTrackingMode(OrvNgView::OrvCursorTrackingMode(mode)); };
+    w.oneOf({DO(view.zoomIn(w.anyNumber())), DO(view.zoomOut(1.2)),
+        DO(view.scaleView(w.anyNumber())), DO(view.fitInView(rect, Qt::KeepAspectRatio)),
+        DO(view.panUp()), DO(view.panRight()), DO(view.setMinimapVisible(w.maybe(0.7))),
+        DO(track(w.below(3)), track(OrvNgView::CURSOR_TRACKING_NONE))});
 }
 
 /// The user lets everything go and moves the mouse once; afterwards nothing may linger.
@@ -372,9 +375,32 @@ void settle(W& w)
 void loseRelease(W& w)
 {
     press(w, anyTarget(w));
-    glide(w, anyTarget(w), 1 + w.m_Dice.below(2));
+    glide(w, anyTarget(w), 1 + w.below(2));
     w.m_Held.setFlag(Qt::LeftButton, false);
     settle(w);
+}
+
+// Time
+
+void timers(W& w)
+{
+    for (RandomView* view : {w.m_View, w.m_Watcher}) {
+        view->calculateVisibleNodesBoundingRect();
+        view->autoScroll();
+    }
+}
+
+void repaint(W& w)
+{
+    w.dealWithMoves();
+    w.m_View->viewport()->repaint();
+    if (w.maybe(0.2))
+        w.m_View->grab();
+}
+
+void deleteDeferred(W&)
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 } // namespace
@@ -384,13 +410,13 @@ void RandomOperations::answerMenu(W& w, QMenu& menu)
     const QPointer<QMenu> guard(&menu);
     if (w.m_Reacts && w.maybe(0.25)) {
         w.hostActs();
-        w.m_Dice.of(reactions(w.mayDelete()))(w);
+        w.of(reactions(w.mayDelete()))(w);
         if (w.maybe())
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            deleteDeferred(w);
     }
     if (!guard)
         return;
-    QAction* choice = w.m_Dice.of(menu.actions());
+    QAction* choice = w.of(menu.actions());
     if (choice && w.maybe(0.7)) {
         menu.setActiveAction(choice);
         QTest::keyClick(&menu, Qt::Key_Return);
@@ -405,56 +431,17 @@ void RandomOperations::answerMenu(W& w, QMenu& menu)
 
 QList<RandomOperation> RandomOperations::input()
 {
-    return {
-        {"press", 30, false, anyPress},
-        {"moveMouse", 50, false, anyMove},
-        {"release", 30, false, anyRelease},
-        {"doubleClick", 8, false, doubleClick},
-        {"wheel", 10, false, wheel},
-        {"key", 6, false,
-            [](W& w) {
-                const QList<Qt::Key> keys{Qt::Key_Left, Qt::Key_Up, Qt::Key_Escape, Qt::Key_Tab,
-                    Qt::Key_Delete, Qt::Key_A, Qt::Key_Space, Qt::Key_Return};
-                QTest::keyClick(w.m_View, w.m_Dice.of(keys), anyKeys(w));
-            }},
-        {"cursor", 4, false,
-            [](W& w) { QCursor::setPos(w.m_View->viewport()->mapToGlobal(anyTarget(w))); }},
-        {"enterLeave", 6, false,
-            [](W& w) {
-                QEvent event(w.maybe() ? QEvent::Enter : QEvent::Leave);
-                QApplication::sendEvent(w.maybe() ? w.m_View : w.m_View->viewport(), &event);
-            }},
-        {"focus", 6, false, focus},
-        {"resize", 5, false, resize},
-        {"hideShow", 5, false, hideShow},
-        {"look", 15, false, look},
-        {"drag", 40, false, drag},
-        {"pull", 40, false, pull},
-        {"band", 15, false, band},
-        {"sever", 8, false, sever},
-        {"shake", 4, false, shake},
-        {"pickUp", 8, false, pickUp},
-        {"navigate", 8, false, navigate},
-        {"viewCalls", 8, false, viewCalls},
-        {"settle", 15, false, settle},
-        {"loseRelease", 6, false, loseRelease},
+    const auto cursor
+        = [](W& w) { QCursor::setPos(w.m_View->viewport()->mapToGlobal(anyTarget(w))); };
+    return {{"press", 30, anyPress}, {"moveMouse", 50, anyMove}, {"release", 30, anyRelease},
+        {"doubleClick", 8, doubleClick}, {"wheel", 10, wheel}, {"key", 6, key},
+        {"cursor", 4, cursor}, {"enterLeave", 6, enterLeave}, {"focus", 6, focus},
+        {"resize", 5, resize}, {"hideShow", 5, hideShow}, {"look", 15, look},
 
-        {"process", 30, false, [](W& w) { w.process(); }},
-        {"deferred", 25, false,
-            [](W&) { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }},
-        {"timers", 10, false,
-            [](W& w) {
-                for (RandomView* view : {w.m_View, w.m_Watcher}) {
-                    view->calculateVisibleNodesBoundingRect();
-                    view->autoScroll();
-                }
-            }},
-        {"repaint", 20, false,
-            [](W& w) {
-                w.dealWithMoves();
-                w.m_View->viewport()->repaint();
-                if (w.maybe(0.2))
-                    w.m_View->grab();
-            }},
-    };
+        {"drag", 40, drag}, {"pull", 40, pull}, {"band", 15, band}, {"sever", 8, sever},
+        {"shake", 4, shake}, {"pickUp", 8, pickUp}, {"navigate", 8, navigate},
+        {"viewCalls", 8, viewCalls}, {"settle", 15, settle}, {"loseRelease", 6, loseRelease},
+
+        {"process", 30, [](W& w) { w.process(); }}, {"deferred", 25, deleteDeferred},
+        {"timers", 10, timers}, {"repaint", 20, repaint}};
 }

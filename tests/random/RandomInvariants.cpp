@@ -16,17 +16,19 @@
 
 namespace {
 
+using W = RandomWorld;
+using Backdrop = OrvNgBackdropNode;
+
 #define HOLDS(condition, text)                                                                     \
     if (!(condition))                                                                              \
     return QStringLiteral(text)
 
 bool isFinite(const QRectF& rect)
 {
-    return std::isfinite(rect.x()) && std::isfinite(rect.y()) && std::isfinite(rect.right())
-        && std::isfinite(rect.bottom());
+    return std::isfinite(rect.x() + rect.y() + rect.right() + rect.bottom());
 }
 
-template <typename T> bool hasDuplicates(const QList<T>& list)
+template <typename T> bool repeats(const QList<T>& list)
 {
     return QSet<T>(list.cbegin(), list.cend()).size() != list.size();
 }
@@ -44,37 +46,36 @@ template <typename... T> QString withValues(const char* text, const T&... values
 
 QString inputsBroken(OrvNgNode& node)
 {
-    const QList<OrvNgEdge*> inputs = node.inputs();
+    const W::Edges inputs = node.inputs();
     HOLDS(node.inputCount() == inputs.size(), "B3 input count");
-    HOLDS(!inputs.contains(nullptr) && !hasDuplicates(inputs), "B3 null or duplicate input");
+    HOLDS(!inputs.contains(nullptr) && !repeats(inputs), "B3 null or duplicate input");
     QList<QString> names;
     for (OrvNgEdge* edge : inputs) {
         names.append(edge->text());
         OrvNgNode* const source = edge->sourceNode();
-        HOLDS(edge->destNode() == &node || (edge->isDragging() && !edge->destNode()),
-            "B1 input edge of another node");
-        HOLDS(edge->isFullConnected() == (source && edge->destNode()), "B4 full connected");
-        HOLDS(
-            !source || source->outputs().count(edge) == 1 || edge == source->temporaryOutputEdge(),
-            "B2 edge not among its source's outputs");
+        OrvNgNode* const dest = edge->destNode();
+        HOLDS(dest == &node || (edge->isDragging() && !dest), "B1 input edge of another node");
+        HOLDS(edge->isFullConnected() == (source && dest), "B4 full connected");
+        const bool isTemporary = source && edge == source->temporaryOutputEdge();
+        HOLDS(!source || isTemporary || source->outputs().count(edge) == 1, "B2 not in source");
         HOLDS(edge->scene() == node.scene(), "B7 input edge in another scene");
         HOLDS(node.input(edge->text()), "B1 input not found by name");
     }
-    HOLDS(!hasDuplicates(names), "B1 two inputs of one name");
+    HOLDS(!repeats(names), "B1 two inputs of one name");
     return {};
 }
 
 QString outputsBroken(OrvNgNode& node)
 {
-    const QList<OrvNgEdge*> outputs = node.outputs();
-    HOLDS(!outputs.contains(nullptr) && !hasDuplicates(outputs), "B3 null or duplicate output");
-    HOLDS(!hasDuplicates(QList<QString>(node.outputPoints())), "B5 two outputs of one name");
+    const W::Edges outputs = node.outputs();
+    HOLDS(!outputs.contains(nullptr) && !repeats(outputs), "B3 null or duplicate output");
+    HOLDS(!repeats(QList<QString>(node.outputPoints())), "B5 two outputs of one name");
+    HOLDS(!outputs.contains(node.temporaryOutputEdge()), "B6 temporary edge in list");
+    HOLDS(!outputs.contains(node.virtualInputEdge()), "B6 virtual edge in list");
     for (OrvNgEdge* edge : outputs) {
         HOLDS(edge->sourceNode() == &node, "B2 output edge of another source");
-        HOLDS(edge != node.temporaryOutputEdge() && edge != node.virtualInputEdge(),
-            "B6 extra edge in list");
-        HOLDS(edge->destNode() || edge->isDragging() || edge->scene() == node.scene(),
-            "B7 output edge in another scene");
+        const bool mayBeElsewhere = edge->destNode() || edge->isDragging();
+        HOLDS(mayBeElsewhere || edge->scene() == node.scene(), "B7 output edge in another scene");
     }
     return {};
 }
@@ -98,45 +99,28 @@ QString clustersBroken(OrvNgExtendedNode& node)
     return {};
 }
 
-QString edgeInSceneBroken(const RandomWorld& world, OrvNgEdge& edge)
+QString edgeInSceneBroken(const W& world, OrvNgEdge& edge)
 {
     OrvNgNode* const dest = edge.destNode();
     OrvNgNode* const source = edge.sourceNode();
-    if (world.m_AtRest && !dest && !source)
-        return withValues(
-            "B8 edge without ends:", edge.text(), edge.isVisible(), edge.isDragging());
-    HOLDS(dest || source || edge.isDragging() || !edge.isVisible(), "B8 visible edge without ends");
-    HOLDS(!dest || dest->isBeingDeleted() || dest->inputs().contains(&edge)
-            || &edge == dest->virtualInputEdge(),
-        "B2 edge not among its destination's inputs");
-    HOLDS(!source || source->isBeingDeleted() || source->outputs().contains(&edge)
-            || &edge == source->temporaryOutputEdge(),
-        "B2 edge not among its source's outputs");
-    HOLDS(!world.m_AtRest || !edge.isDragging(), "L2 edge still carried");
-    HOLDS(!edge.isGrabbed() || edge.isDragging() || !(dest || source), "L2 grabbed, not carried");
+    const bool drags = edge.isDragging();
+    HOLDS(dest || source || (!world.m_AtRest && (drags || !edge.isVisible())), "B8 without ends");
+    const bool inDest = !dest || dest->isBeingDeleted() || &edge == dest->virtualInputEdge();
+    HOLDS(inDest || dest->inputs().contains(&edge), "B2 not in destination");
+    const bool inSource
+        = !source || source->isBeingDeleted() || &edge == source->temporaryOutputEdge();
+    HOLDS(inSource || source->outputs().contains(&edge), "B2 not in source");
+    HOLDS(!world.m_AtRest || !drags, "L2 edge still carried");
+    HOLDS(!edge.isGrabbed() || drags || !(dest || source), "L2 grabbed, not carried");
     return {};
 }
 
-QString connectionsBroken(const RandomWorld& world)
+QString connectionsBroken(const W& world)
 {
-    const auto* heard = world.isAnyEdgeCarried() ? nullptr : world.heardConnections();
-    const RandomWorld::Connections real
-        = heard ? world.realConnections() : RandomWorld::Connections();
-    if (!heard || *heard == real)
+    const W::Connections* heard = world.isAnyEdgeCarried() ? nullptr : world.heardConnections();
+    if (!heard || *heard == world.realConnections())
         return {};
-    QString text = QStringLiteral("B9 connections differ from what was told:");
-    const auto describe = [](const RandomWorld::Connections& all, const auto& input) {
-        const auto source = all.value(input);
-        return QStringLiteral("%1.%2").arg(quintptr(source.first), 0, 16).arg(source.second);
-    };
-    const auto inputs = heard->keys() + real.keys();
-    for (const auto& input : inputs) {
-        if (heard->value(input) != real.value(input))
-            text += QStringLiteral(" %1.%2 heard of %3, has %4;")
-                        .arg(quintptr(input.first), 0, 16)
-                        .arg(input.second, describe(*heard, input), describe(real, input));
-    }
-    return text;
+    return withValues("B9 heard and real connections:", *heard, world.realConnections());
 }
 
 // Geometry
@@ -185,38 +169,38 @@ QString routeBroken(OrvNgEdge& edge)
     edge.adjust();
     if (edge.mainEdge()->path() != before)
         return withValues("G4 edge did not follow its ends:", edge.text(),
-            edge.sourceNode() ? edge.sourceNode()->metaObject()->className() : "none",
-            edge.destNode() ? edge.destNode()->metaObject()->className() : "none", before,
-            edge.mainEdge()->path());
+            static_cast<QObject*>(edge.sourceNode()), static_cast<QObject*>(edge.destNode()),
+            before, edge.mainEdge()->path());
     HOLDS(edge.boundingRect() == bounds, "G4 bounds did not follow");
     return {};
 }
 
-QString isFound(QGraphicsScene& scene, OrvNgNode& node)
+QString indexBroken(OrvNgNode& node)
 {
     const QPointF centre = node.nodeShapeRect().center();
-    HOLDS(!node.isVisible() || node.isBackdrop() || !node.shape().contains(centre)
-            || scene.items(node.mapToScene(centre)).contains(&node),
-        "G6 node not found at its centre");
+    if (!node.scene() || !node.isVisible() || node.isBackdrop() || !node.shape().contains(centre))
+        return {};
+    HOLDS(node.scene()->items(node.mapToScene(centre)).contains(&node), "G6 not found at centre");
     return {};
 }
 
-QString childrenBroken(OrvNgBackdropNode& backdrop)
+QString childrenBroken(OrvNgNode& node)
 {
-    backdrop.refreshChildrenList(false);
-    const auto children = backdrop.childrenList();
-    const double z = backdrop.zValue();
-    backdrop.refreshChildrenList(false);
-    HOLDS(backdrop.childrenList() == children && backdrop.zValue() == z,
-        "S3 a second look finds other children");
+    auto* frame = qobject_cast<Backdrop*>(&node);
+    if (!frame || !frame->scene())
+        return {};
+    frame->refreshChildrenList(false);
+    const auto children = frame->childrenList();
+    const double z = frame->zValue();
+    const QRectF bounds = frame->sceneBoundingRect();
+    frame->refreshChildrenList(false);
+    HOLDS(frame->childrenList() == children && frame->zValue() == z, "S3 children change");
     for (const QPointer<OrvNgNode>& child : children) {
         HOLDS(child && child->isVisible() && !child->isSystemShaderNode(), "S3 not to be a child");
-        HOLDS(backdrop.sceneBoundingRect().contains(child->sceneBoundingRect()),
-            "S3 child not inside");
-        auto* inner = qobject_cast<OrvNgBackdropNode*>(child);
-        HOLDS(!inner || inner->sceneBoundingRect() == backdrop.sceneBoundingRect()
-                || inner->zValue() > z
-                || (inner->zValue() == z && inner->zOrder() > backdrop.zOrder()),
+        HOLDS(bounds.contains(child->sceneBoundingRect()), "S3 child not inside");
+        auto* inner = qobject_cast<Backdrop*>(child);
+        HOLDS(!inner || inner->sceneBoundingRect() == bounds || inner->zValue() > z
+                || (inner->zValue() == z && inner->zOrder() > frame->zOrder()),
             "S3 inner frame lies below");
     }
     return {};
@@ -225,8 +209,7 @@ QString childrenBroken(OrvNgBackdropNode& backdrop)
 QImage shown(const QGraphicsView& view)
 {
     const QRect area(view.viewport()->mapTo(view.window(), QPoint()), view.viewport()->size());
-    QScreen* screen = view.window()->windowHandle()->screen();
-    return screen
+    return view.screen()
         ->grabWindow(view.window()->winId(), area.x(), area.y(), area.width(), area.height())
         .toImage();
 }
@@ -258,7 +241,7 @@ bool looksSame(const QImage& a, const QImage& b)
 
 /// What the changes have repainted is what painting everything gives. Whoever looks for the cause names a
 /// folder in the environment, for both pictures.
-QString pictureBroken(RandomWorld& world, const QGraphicsView& view)
+QString pictureBroken(W& world, const QGraphicsView& view)
 {
     if (!view.isVisible() || !view.window()->isVisible())
         return {};
@@ -276,34 +259,31 @@ QString pictureBroken(RandomWorld& world, const QGraphicsView& view)
 
 // Life, selection, view
 
-QString lifeBroken(const RandomWorld& world)
+QString lifeBroken(const W& world)
 {
     const QGraphicsItem* const grabber = world.m_Scene->mouseGrabberItem();
     HOLDS(!grabber || grabber->scene() == world.m_Scene, "L2 the mouse is held outside the scene");
     HOLDS(!world.m_AtRest || !grabber, "L2 mouse still held at rest");
     int hovered = 0;
     QList<int> ids;
-    const QList<OrvNgNode*> nodes = world.nodes();
-    for (const OrvNgNode* node : nodes) {
+    for (const OrvNgNode* node : world.nodes()) {
         hovered += node->hovered() ? 1 : 0;
-        HOLDS(node->isSelected() ? node->selectionId() > 0 : node->selectionId() == -1,
-            "S1 selection id");
-        if (node->isSelected())
-            ids.append(node->selectionId());
+        ids += node->isSelected() ? QList<int>{node->selectionId()} : QList<int>();
+        HOLDS(node->isSelected() || node->selectionId() == -1, "S1 selection id");
         HOLDS(!world.m_AtRest || !node->highlightedEdge(), "L1 edge highlighted at rest");
     }
     HOLDS(hovered <= 1, "L1 several nodes hovered");
-    HOLDS(!hasDuplicates(ids), "S1 selection ids repeat");
+    HOLDS(!repeats(ids), "S1 selection ids repeat");
+    HOLDS(std::all_of(ids.cbegin(), ids.cend(), [](int id) { return id > 0; }), "S1 selection id");
     return {};
 }
 
-QString viewBroken(const RandomWorld& world)
+QString viewBroken(const W& world)
 {
     RandomView& view = *world.m_View;
-    const QTransform transform = view.transform();
-    HOLDS(std::isfinite(transform.m11()) && transform.m11() > 0
-            && transform.m11() == transform.m22() && transform.m12() == 0 && transform.m21() == 0,
-        "V2 transform");
+    const QTransform to = view.transform();
+    HOLDS(std::isfinite(to.m11()) && to.m11() > 0 && to.m11() == to.m22(), "V2 scale");
+    HOLDS(to.m12() == 0 && to.m21() == 0, "V2 rotated");
     HOLDS(isFinite(view.sceneRect()), "G1 scene rectangle");
     if (!world.m_AtRest)
         return {};
@@ -319,50 +299,35 @@ QString viewBroken(const RandomWorld& world)
     return {};
 }
 
-QString nodeBroken(OrvNgNode& node)
+QString frameBroken(OrvNgNode& node)
 {
-    auto* extended = qobject_cast<OrvNgExtendedNode*>(&node);
-    for (const QString& text : {inputsBroken(node), outputsBroken(node), boundsBroken(node),
-             extended ? clustersBroken(*extended) : QString()}) {
-        if (!text.isEmpty())
-            return text;
-    }
     HOLDS(!node.isBackdrop() || node.zValue() < -1, "S3 backdrop above edges");
-    return {};
+    auto* extended = qobject_cast<OrvNgExtendedNode*>(&node);
+    return extended ? clustersBroken(*extended) : QString();
 }
 
-/// Runs a look at each, up to the first that is broken.
-template <typename T, typename Look> QString firstBroken(const QList<T*>& items, Look&& look)
+/// Runs looks at each, up to the first that is broken.
+template <typename Item, typename... Look>
+void judge(W& world, const QList<Item*>& items, const Look&... looks)
 {
-    for (T* item : items) {
-        const QString text = look(*item);
-        if (!text.isEmpty())
-            return text + QLatin1String(" (") + QLatin1String(item->metaObject()->className());
+    for (Item* item : items) {
+        for (const QString& text : {looks(*item)...}) {
+            const auto name = QLatin1String(item->metaObject()->className());
+            world.fail(text.isEmpty() ? text : text + QLatin1String(" in ") + name);
+        }
     }
-    return {};
-}
-
-void judge(RandomWorld& world, const QString& broken)
-{
-    if (!broken.isEmpty())
-        world.fail(broken);
 }
 
 // Dear looks, which are steps of their own
 
-void checkRoutes(RandomWorld& world)
+void checkRoutes(W& world)
 {
-    QGraphicsScene& scene = *world.m_Scene;
-    judge(world, firstBroken(world.edges(), shapeBroken));
-    judge(world, firstBroken(world.edges(), routeBroken));
-    judge(world, firstBroken(world.nodes(), shapeBroken));
-    judge(world, firstBroken(world.nodes(), [&scene](OrvNgNode& node) {
-        return node.scene() == &scene ? isFound(scene, node) : QString();
-    }));
+    judge(world, world.edges(), shapeBroken, routeBroken);
+    judge(world, world.nodes(), shapeBroken, indexBroken);
 }
 
 /// A stale entry in the scene's index shows as an item that is found though it has left.
-void probeGhost(RandomWorld& world, QGraphicsItem* item)
+void probeGhost(W& world, QGraphicsItem* item)
 {
     QGraphicsScene& scene = *world.m_Scene;
     if (!item || item->scene() != &scene || scene.mouseGrabberItem())
@@ -375,30 +340,25 @@ void probeGhost(RandomWorld& world, QGraphicsItem* item)
     scene.addItem(item);
 }
 
-void checkGhost(RandomWorld& world)
+void checkGhost(W& world)
 {
     world.m_Reacts = false;
-    judge(world, firstBroken(world.nodes(), [](OrvNgNode& node) {
-        auto* backdrop = qobject_cast<OrvNgBackdropNode*>(&node);
-        return backdrop && node.scene() ? childrenBroken(*backdrop) : QString();
-    }));
+    judge(world, world.nodes(), childrenBroken);
     OrvNgNode* node = world.anyLiveNode();
     OrvNgEdge* edge = world.anyEdge();
     probeGhost(world, edge && world.maybe() ? static_cast<QGraphicsItem*>(edge) : node);
 }
 
 /// Right after a change of its bounds, before anything else could set the index right.
-void shrinkFrame(RandomWorld& world)
+void shrinkFrame(W& world)
 {
     world.m_Reacts = false;
-    QList<OrvNgNode*> frames;
-    const QList<OrvNgNode*> nodes = world.nodes();
-    std::copy_if(nodes.cbegin(), nodes.cend(), std::back_inserter(frames),
-        [](OrvNgNode* node) { return node->isBackdrop() && node->scene(); });
-    auto* frame = qobject_cast<OrvNgBackdropNode*>(world.m_Dice.of(frames));
+    const auto isFrame = [](auto* node) { return node->isBackdrop() && node->scene(); };
+    auto* frame = qobject_cast<Backdrop*>(world.of(those(world.nodes(), isFrame)));
     if (!frame)
         return;
-    const QPointF topLeft(world.m_Dice.between(-300, 300), world.m_Dice.between(-300, 300));
+    world.hostActs();
+    const QPointF topLeft(world.between(-300, 300), world.between(-300, 300));
     frame->setRect(QRectF(topLeft, QSizeF(600, 600)));
     world.m_Scene->items(frame->sceneBoundingRect());
     frame->setRect(QRectF(topLeft, QSizeF(50, 50)));
@@ -406,46 +366,43 @@ void shrinkFrame(RandomWorld& world)
 }
 
 /// Also the bounds of what is seen, when their timer has run.
-void checkPictures(RandomWorld& world)
+void checkPictures(W& world)
 {
     world.flush();
     QRectF bounds;
-    const QList<OrvNgNode*> nodes = world.nodes();
-    for (const OrvNgNode* node : nodes) {
+    for (const OrvNgNode* node : world.nodes()) {
+        const QRectF own = node->sceneBoundingRect();
         if (node->isVisible() && node->scene() == world.m_Scene)
-            bounds
-                = bounds.isNull() ? node->sceneBoundingRect() : bounds | node->sceneBoundingRect();
+            bounds = bounds.isNull() ? own : bounds | own;
     }
     for (RandomView* view : {world.m_View, world.m_Watcher}) {
         view->calculateVisibleNodesBoundingRect();
         if (view == world.m_View && view->visibleNodeBounds() != bounds) // nodes tell the first
             world.fail(withValues("G5 bounds of the nodes:", view->visibleNodeBounds(), bounds));
         world.process();
-        judge(world, pictureBroken(world, *view));
+        world.fail(pictureBroken(world, *view));
     }
 }
 
 } // namespace
 
-QString RandomInvariants::broken(RandomWorld& world)
+QString RandomInvariants::broken(W& world)
 {
     QList<OrvNgEdge*> edges;
     const QList<QGraphicsItem*> items = world.m_Scene->items();
-    for (QGraphicsItem* item : items) {
-        if (auto* edge = dynamic_cast<OrvNgEdge*>(item))
-            edges.append(edge);
-    }
-    judge(world, firstBroken(world.nodes(), nodeBroken));
-    judge(world,
-        firstBroken(edges, [&world](OrvNgEdge& edge) { return edgeInSceneBroken(world, edge); }));
-    judge(world, firstBroken(edges, boundsBroken));
+    for (QGraphicsItem* item : items)
+        edges << dynamic_cast<OrvNgEdge*>(item);
+    edges.removeAll(nullptr);
+    const auto inScene = [&world](OrvNgEdge& edge) { return edgeInSceneBroken(world, edge); };
+    judge(world, world.nodes(), inputsBroken, outputsBroken, boundsBroken, frameBroken);
+    judge(world, edges, inScene, boundsBroken);
     for (const auto look : {connectionsBroken, lifeBroken, viewBroken})
-        judge(world, look(world));
+        world.fail(look(world));
     return world.takeFailure();
 }
 
 QList<RandomOperation> RandomOperations::checks()
 {
-    return {{"checkRoutes", 0, false, checkRoutes}, {"checkGhost", 0, false, checkGhost},
-        {"checkPictures", 0, false, checkPictures}, {"shrinkFrame", 6, true, shrinkFrame}};
+    return {{"checkRoutes", 0, checkRoutes}, {"checkGhost", 0, checkGhost},
+        {"checkPictures", 0, checkPictures}, {"shrinkFrame", 6, shrinkFrame}};
 }

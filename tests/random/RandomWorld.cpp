@@ -18,6 +18,13 @@ namespace {
 constexpr double kReactions = 0.05;
 constexpr int kMaxDepth = 2;
 
+const QList<RandomOperation>& operations()
+{
+    static const QList<RandomOperation> s_All
+        = RandomOperations::host() + RandomOperations::input() + RandomOperations::checks();
+    return s_All;
+}
+
 quint32 keyOf(const OrvNgNode& node)
 {
     return node.property("id").toUInt();
@@ -31,22 +38,14 @@ quint32 keyOfEdge(const OrvNgEdge& edge)
 
 } // namespace
 
-const QList<RandomOperation>& RandomWorld::operations()
-{
-    static const QList<RandomOperation> all
-        = RandomOperations::host() + RandomOperations::input() + RandomOperations::checks();
-    return all;
-}
-
 RandomStep RandomWorld::drawStep(RandomDice& dice, int index)
 {
     const quint32 seed = dice.roll();
-    if (index % 200 == 199)
-        return {"checkPictures", seed, true};
-    if (index % 50 == 49)
-        return {"checkGhost", seed, true};
-    if (index % 10 == 9)
-        return {"checkRoutes", seed, true};
+    for (const auto& [period, name] :
+        {std::pair(200, "checkPictures"), {50, "checkGhost"}, {10, "checkRoutes"}}) {
+        if (index % period == period - 1)
+            return {name, seed, true};
+    }
     static const int s_Total = std::accumulate(operations().cbegin(), operations().cend(), 0,
         [](int sum, const RandomOperation& operation) { return sum + operation.m_Weight; });
     int left = dice.below(s_Total);
@@ -57,19 +56,18 @@ RandomStep RandomWorld::drawStep(RandomDice& dice, int index)
 
 RandomWorld::RandomWorld()
     : m_Window(new QWidget)
+    , m_View(new RandomView(m_Window.get()))
+    , m_Watcher(new RandomView(m_Window.get()))
+    , m_Edit(new QLineEdit)
 {
-    m_View = new RandomView(m_Window.get());
-    m_Watcher = new RandomView(m_Window.get());
     m_Watcher->setViewportUpdateMode(QGraphicsView::MinimalViewportUpdate);
     m_Watcher->setMinimapVisible(false);
     m_Watcher->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_Watcher->setFocusPolicy(Qt::NoFocus);
     m_Watcher->setFixedHeight(150);
-    m_Edit = new QLineEdit(m_Window.get());
     auto* layout = new QVBoxLayout(m_Window.get());
-    layout->addWidget(m_View);
-    layout->addWidget(m_Watcher);
-    layout->addWidget(m_Edit);
+    for (QWidget* widget : std::initializer_list<QWidget*>{m_View, m_Watcher, m_Edit})
+        layout->addWidget(widget);
     qApp->installEventFilter(this);
     newScene();
     m_Window->resize(500, 450);
@@ -78,11 +76,6 @@ RandomWorld::RandomWorld()
     m_Window->activateWindow();
     m_View->setFocus();
     flush();
-}
-
-RandomWorld::~RandomWorld()
-{
-    tearDown();
 }
 
 void RandomWorld::tearDown()
@@ -95,8 +88,7 @@ void RandomWorld::tearDown()
             delete node;
     }
     delete m_Scene;
-    qDeleteAll(m_Parents);
-    m_Parents.clear();
+    qDeleteAll(std::exchange(m_Parents, {}));
     OrvUndoManager::instance().undoStack()->clear();
     auto* settings = OrvShaderNetworkManager::instance();
     settings->setSnapToGrid(false);
@@ -120,20 +112,20 @@ void RandomWorld::newScene()
 
 bool RandomWorld::run(const RandomStep& step)
 {
+    static const int s_HostCount = RandomOperations::host().size();
     const auto found = std::find_if(operations().cbegin(), operations().cend(),
         [&step](const RandomOperation& operation) { return step.m_Name == operation.m_Name; });
     if (found == operations().cend())
         return false;
-    m_Dice = RandomDice(step.m_Seed);
+    static_cast<RandomDice&>(*this) = RandomDice(step.m_Seed);
     m_StepSeed = step.m_Seed;
     m_Born = 0;
     m_Reacts = step.m_Reacts;
     m_AtRest = false;
-    m_HostActed = found->m_IsHost;
+    m_HostActed = found - operations().cbegin() < s_HostCount;
     found->m_Run(*this);
     m_Reacts = false;
-    if (m_HostActed)
-        m_HeardIsValid = false;
+    m_HeardIsValid = m_HeardIsValid && !m_HostActed;
     if (!m_HeardIsValid && !isAnyEdgeCarried()) {
         m_Heard = realConnections();
         m_HeardIsValid = true;
@@ -160,12 +152,6 @@ void RandomWorld::flush()
     process();
 }
 
-void RandomWorld::fail(const QString& text)
-{
-    if (m_Failure.isEmpty())
-        m_Failure = text;
-}
-
 // Reactions
 
 void RandomWorld::adopt(OrvNgNode* node)
@@ -189,12 +175,15 @@ void RandomWorld::listenTo(OrvNgNode* node)
         --m_Dying;
         m_HostActed = true;
     });
-    const auto anything = [this, node] { react(true, node); };
-    const auto gentle = [this, node] { react(false, node); };
-    connect(node, &OrvNgNode::hoveredChanged, this, gentle);
-    connect(node, &OrvNgNode::posChanged, this, gentle);
-    connect(node, &OrvNgNode::inputSourceRefused, this, anything);
-    connect(node, &OrvNgNode::clickedOnDotableMarkerOnEdge, this, anything);
+    const auto on = [this](auto* sender, auto signal, bool mayDeleteThere) {
+        connect(sender, signal, this, [=] { react(mayDeleteThere, sender); });
+    };
+    on(node, &OrvNgNode::hoveredChanged, false);
+    on(node, &OrvNgNode::posChanged, false);
+    on(node, &OrvNgNode::inputSourceRefused, true);
+    on(node, &OrvNgNode::clickedOnDotableMarkerOnEdge, true);
+    if (auto* backdrop = qobject_cast<OrvNgBackdropNode*>(node))
+        on(backdrop, &OrvNgBackdropNode::zOrderChanged, false);
     connect(node, &OrvNgNode::inputSourceChanged, this,
         [this, node](OrvNgNode* source, const QString& output, const QString& input) {
             if (source && nodes().contains(node)) // given up, it may still be used for a while
@@ -210,8 +199,6 @@ void RandomWorld::listenTo(OrvNgNode* node)
         if (extended && maybe(0.8))
             extended->setPortListMode(OrvNgExtendedNode::PortListMode(mode));
     });
-    if (auto* backdrop = qobject_cast<OrvNgBackdropNode*>(node))
-        connect(backdrop, &OrvNgBackdropNode::zOrderChanged, this, gentle);
 }
 
 void RandomWorld::react(bool mayDeleteThere, OrvNgNode* sender)
@@ -222,16 +209,10 @@ void RandomWorld::react(bool mayDeleteThere, OrvNgNode* sender)
     const auto former = std::exchange(m_Sender, sender);
     m_Gentle += mayDeleteThere ? 0 : 1;
     m_HostActed = true;
-    m_Dice.of(RandomOperations::reactions(mayDelete()))(*this);
+    of(RandomOperations::reactions(mayDelete()))(*this);
     m_Gentle -= mayDeleteThere ? 0 : 1;
     m_Sender = former;
     --m_Depth;
-}
-
-void RandomWorld::deathBegins(OrvNgNode* node)
-{
-    ++m_Dying;
-    forget(node);
 }
 
 /// Swallows timers: their time comes in steps.
@@ -240,18 +221,17 @@ bool RandomWorld::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Timer && qobject_cast<QTimer*>(watched))
         return true;
     auto* menu = event->type() == QEvent::Show ? qobject_cast<QMenu*>(watched) : nullptr;
+    const auto answer = [this, menu] { RandomOperations::answerMenu(*this, *menu); };
     if (menu)
-        QMetaObject::invokeMethod(
-            menu, [this, menu] { RandomOperations::answerMenu(*this, *menu); },
-            Qt::QueuedConnection);
+        QMetaObject::invokeMethod(menu, answer, Qt::QueuedConnection);
     return QObject::eventFilter(watched, event);
 }
 
 // What there is
 
-QList<OrvNgNode*> RandomWorld::nodes() const
+const RandomWorld::Nodes RandomWorld::nodes() const
 {
-    QList<OrvNgNode*> alive;
+    Nodes alive;
     for (const QPointer<OrvNgNode>& node : m_Nodes) {
         if (node && !node->isBeingDeleted())
             alive.append(node);
@@ -259,36 +239,27 @@ QList<OrvNgNode*> RandomWorld::nodes() const
     return alive;
 }
 
-QList<OrvNgEdge*> RandomWorld::edges() const
+const RandomWorld::Edges RandomWorld::edges() const
 {
-    QList<OrvNgEdge*> all;
-    const QList<OrvNgNode*> alive = nodes();
-    for (OrvNgNode* node : alive) {
+    Edges all;
+    for (OrvNgNode* node : nodes()) {
         all += node->inputs();
-        for (OrvNgEdge* edge : node->outputs()) {
-            if (!edge->destNode())
-                all.append(edge);
-        }
-        for (OrvNgEdge* edge : {node->temporaryOutputEdge(), node->virtualInputEdge()}) {
-            if (edge)
-                all.append(edge);
-        }
+        all += those(node->outputs(), [](auto* edge) { return !edge->destNode(); });
+        all << node->temporaryOutputEdge() << node->virtualInputEdge();
     }
+    all.removeAll(nullptr);
     return all;
 }
 
 bool RandomWorld::isAnyEdgeCarried() const
 {
-    const QList<OrvNgEdge*> all = edges();
-    return std::any_of(
-        all.cbegin(), all.cend(), [](const OrvNgEdge* edge) { return edge->isDragging(); });
+    return !those(edges(), [](auto* edge) { return edge->isDragging(); }).isEmpty();
 }
 
 RandomWorld::Connections RandomWorld::realConnections() const
 {
     Connections real;
-    const QList<OrvNgNode*> alive = nodes();
-    for (OrvNgNode* node : alive) {
+    for (OrvNgNode* node : nodes()) {
         for (const OrvNgEdge* edge : node->inputs()) {
             if (edge->sourceNode())
                 real.insert({node, edge->text()}, {edge->sourceNode(), edge->sourceOutputPoint()});
@@ -301,58 +272,43 @@ RandomWorld::Connections RandomWorld::realConnections() const
 
 OrvNgNode* RandomWorld::anyNode()
 {
-    QList<OrvNgNode*> all;
-    for (const QPointer<OrvNgNode>& node : qAsConst(m_Nodes)) {
-        if (node)
-            all.append(node);
-    }
-    return m_Depth == 0 && maybe(0.03) ? m_Dice.pick(all, keyOf) : anyLiveNode();
+    Nodes all;
+    for (const QPointer<OrvNgNode>& node : qAsConst(m_Nodes))
+        all += node ? Nodes{node} : Nodes();
+    return m_Depth == 0 && maybe(0.03) ? pick(all, keyOf) : anyLiveNode();
 }
 
 OrvNgNode* RandomWorld::anyLiveNode()
 {
-    const QList<OrvNgNode*> alive = nodes();
+    const Nodes alive = nodes();
     if (m_Sender && maybe(0.4) && alive.contains(m_Sender))
         return m_Sender;
-    QList<OrvNgNode*> selected;
-    std::copy_if(alive.cbegin(), alive.cend(), std::back_inserter(selected),
-        [](const OrvNgNode* node) { return node->isSelected(); });
-    return m_Dice.pick(selected.isEmpty() || maybe(0.8) ? alive : selected, keyOf);
+    const Nodes selected = those(alive, [](auto* node) { return node->isSelected(); });
+    return pick(selected.isEmpty() || maybe(0.8) ? alive : selected, keyOf);
 }
 
 OrvNgExtendedNode* RandomWorld::anyExtended()
 {
-    QList<OrvNgExtendedNode*> extended;
-    const QList<OrvNgNode*> alive = nodes();
-    for (OrvNgNode* node : alive) {
-        if (auto* candidate = qobject_cast<OrvNgExtendedNode*>(node))
-            extended.append(candidate);
-    }
-    return m_Dice.pick(extended, keyOf);
+    const auto isExtended = [](auto* node) { return qobject_cast<OrvNgExtendedNode*>(node); };
+    return qobject_cast<OrvNgExtendedNode*>(pick(those(nodes(), isExtended), keyOf));
 }
 
 OrvNgEdge* RandomWorld::anyEdge()
 {
     OrvNgEdge* ofSender = m_Sender && maybe(0.4) ? anyInput(anyLiveNode()) : nullptr;
-    return ofSender ? ofSender : m_Dice.pick(edges(), keyOfEdge);
+    return ofSender ? ofSender : pick(edges(), keyOfEdge);
 }
 
 OrvNgEdge* RandomWorld::anyInput(OrvNgNode* node)
 {
-    return node ? m_Dice.pick(node->inputs(), keyOfEdge) : nullptr;
-}
-
-QString RandomWorld::anyOutput(OrvNgNode* node)
-{
-    return node ? m_Dice.of(QList<QString>(node->outputPoints())) : QString();
+    return node ? pick(node->inputs(), keyOfEdge) : nullptr;
 }
 
 QString RandomWorld::anyName()
 {
-    static const QList<QString> s_Names{QStringLiteral("a"), QStringLiteral("b"),
-        QStringLiteral("c"), QStringLiteral("d"), QStringLiteral("Input"), QStringLiteral("out"),
-        QStringLiteral("Output"), QString(), QStringLiteral("long name with blanks")};
-    return m_Dice.of(s_Names);
+    const char* const names[]
+        = {"a", "b", "c", "d", "Input", "out", "Output", nullptr, "long name with blanks"};
+    return QLatin1String(names[below(int(std::size(names)))]);
 }
 
 QSet<QString> RandomWorld::anyTags()
@@ -371,16 +327,11 @@ QString RandomWorld::anyText()
     static const QList<QString> s_Odd{QString(), QString(300, QLatin1Char('w')),
         QStringLiteral("<b>bold</b>  <i>and  more"),
         QStringLiteral("lines\nof\ttext &nbsp; %1 %s")};
-    return maybe(0.4) ? m_Dice.of(s_Odd) : QStringLiteral("node %1").arg(m_Dice.below(1000));
-}
-
-QColor RandomWorld::anyColor()
-{
-    return maybe(0.2) ? QColor() : QColor::fromHsv(m_Dice.below(360), 150, 200);
+    return maybe(0.4) ? of(s_Odd) : QStringLiteral("node %1").arg(below(1000));
 }
 
 double RandomWorld::anyNumber()
 {
     static const QList<double> s_Odd{0.0, -0.0, 1e-300, qQNaN(), qInf(), -qInf(), 1e7, -1e9, 1e300};
-    return maybe(0.03) ? m_Dice.of(s_Odd) : m_Dice.between(-400, 400);
+    return maybe(0.03) ? of(s_Odd) : between(-400, 400);
 }

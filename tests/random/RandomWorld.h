@@ -4,7 +4,6 @@
 #include "OrvNodeGraph/OrvNgView.h"
 #include "RandomDice.h"
 
-#include <QEvent>
 #include <QGraphicsScene>
 #include <QHash>
 #include <QLineEdit>
@@ -21,14 +20,10 @@ class RandomWorld;
 class RandomView : public OrvNgView
 {
 public:
-    using OrvNgView::autoScroll;
-    using OrvNgView::calculateVisibleNodesBoundingRect;
-    using OrvNgView::cursorTrackingMode;
-    using OrvNgView::drawingEdgeSeverPath;
-    using OrvNgView::OrvNgView;
-    using OrvNgView::scaleView;
-    using OrvNgView::setCursorTrackingMode;
-    using OrvNgView::setNavigationSchemeName;
+    using OrvNgView::autoScroll, OrvNgView::calculateVisibleNodesBoundingRect;
+    using OrvNgView::cursorTrackingMode, OrvNgView::setCursorTrackingMode;
+    using OrvNgView::drawingEdgeSeverPath, OrvNgView::scaleView;
+    using OrvNgView::OrvNgView, OrvNgView::setNavigationSchemeName;
 
 protected:
     bool paintsOnlyScene() const override { return true; }
@@ -49,9 +44,15 @@ struct RandomOperation
 {
     const char* m_Name;
     int m_Weight; ///< how often, against the others; 0 for what comes at fixed steps
-    bool m_IsHost; ///< acts on the graph by program, of which no signal need tell
     RandomAct m_Run;
 };
+
+template <typename T, typename Test> QList<T> those(const QList<T>& all, Test&& test)
+{
+    QList<T> some;
+    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(some), test);
+    return some;
+}
 
 /// A scene, a view and a host that does to them what the steps say. From inside the library's signals it
 /// sometimes does more, within what hosts may do there. Time stands still: what waits for a timer happens
@@ -60,15 +61,17 @@ struct RandomOperation
 /// Called by  the test's main function.
 /// Uses       the whole public interface of the library.
 /// Tells      nobody; RandomInvariants looks.
-class RandomWorld : public QObject
+class RandomWorld : public QObject, public RandomDice
 {
 public:
-    using Connections = QHash<QPair<OrvNgNode*, QString>, QPair<OrvNgNode*, QString>>;
+    using Nodes = QList<OrvNgNode*>;
+    using Edges = QList<OrvNgEdge*>;
+    using End = QPair<const void*, QString>; ///< a node, perhaps gone, and a name
+    using Connections = QHash<End, End>;
 
     RandomWorld();
-    ~RandomWorld() override;
+    ~RandomWorld() override { tearDown(); }
 
-    static const QList<RandomOperation>& operations();
     static RandomStep drawStep(RandomDice& dice, int index);
     /// False for a name that is no operation.
     bool run(const RandomStep& step);
@@ -78,8 +81,8 @@ public:
     // What there is
 
     /// Those that the host has not given up.
-    QList<OrvNgNode*> nodes() const;
-    QList<OrvNgEdge*> edges() const;
+    const Nodes nodes() const;
+    const Edges edges() const;
     bool isAnyEdgeCarried() const;
     Connections realConnections() const;
     /// What the host would know of the connections if it had only heard of them; null when it did more.
@@ -93,14 +96,16 @@ public:
     OrvNgExtendedNode* anyExtended();
     OrvNgEdge* anyEdge();
     OrvNgEdge* anyInput(OrvNgNode* node);
-    QString anyOutput(OrvNgNode* node);
+    QString anyOutput(OrvNgNode* node)
+    {
+        return node ? of<QString>(node->outputPoints()) : QString();
+    }
     QString anyName();
     QSet<QString> anyTags();
     QString anyText();
-    QColor anyColor();
+    QColor anyColor() { return maybe(0.2) ? QColor() : QColor::fromHsv(below(360), 150, 200); }
     /// Mostly a coordinate within reach, now and then one that no host should give.
     double anyNumber();
-    bool maybe(double probability = 0.5) { return m_Dice.chance(probability); }
 
     // For operations
 
@@ -122,16 +127,19 @@ public:
     void dealWithMoves();
     void process();
     void flush();
-    void fail(const QString& text);
-    /// A broken promise that showed in the middle of a step.
+    /// Keeps a broken promise that showed in the middle of a step; only the first, and none for no text.
+    void fail(const QString& text) { m_Failure = m_Failure.isEmpty() ? text : m_Failure; }
     QString takeFailure() { return std::exchange(m_Failure, QString()); }
 
     // For the nodes of the host
 
     bool accepts() { return !m_Reacts || !maybe(0.1); }
-    void deathBegins(OrvNgNode* node);
+    void deathBegins(OrvNgNode* node)
+    {
+        ++m_Dying;
+        forget(node);
+    }
 
-    RandomDice m_Dice;
     std::unique_ptr<QWidget> m_Window;
     RandomView* m_View = nullptr;
     RandomView* m_Watcher = nullptr; ///< at rest; repaints only what it is told has changed
@@ -171,9 +179,10 @@ private:
 /// Tells      nobody.
 namespace RandomOperations {
 
-QList<RandomOperation> host(); ///< with deaths and the undo stack
+/// On the graph by program, of which no signal need tell: with deaths and the undo stack.
+QList<RandomOperation> host();
 QList<RandomOperation> input(); ///< with time
-QList<RandomOperation> checks(); ///< at fixed steps: what is too dear to look at after each
+QList<RandomOperation> checks(); ///< mostly at fixed steps: what is too dear to look at after each
 
 /// What a slot may do; with true also what deletes at once.
 QList<RandomAct> reactions(bool mayDelete);

@@ -102,34 +102,33 @@ int main(int argc, char** argv)
         [](const QString&, int, const QString&, bool, bool) {}); // bad input is reported
 
     QCommandLineParser parser;
-    const auto option = [&parser](const char* name, const char* text, const char* value) {
+    const auto value = [&parser](const char* name) { return parser.value(QLatin1String(name)); };
+    for (const auto& [name, text, preset] :
+        {std::tuple("seed", "First seed.", "1"), {"seeds", "How many seeds.", "1"},
+            {"steps", "Steps a seed.", "2000"}, {"trace", "Writes the last seed's steps here.", ""},
+            {"replay", "Runs the steps of a trace instead.", ""}})
         parser.addOption({QLatin1String(name), QLatin1String(text), QStringLiteral("value"),
-            QLatin1String(value)});
-        return [&parser, name] { return parser.value(QLatin1String(name)); };
-    };
-    const auto first = option("seed", "First seed.", "1");
-    const auto seeds = option("seeds", "How many seeds.", "1");
-    const auto steps = option("steps", "Steps a seed.", "2000");
-    const auto trace = option("trace", "Writes the last seed's steps here.", "");
-    const auto replay = option("replay", "Runs the steps of a trace instead.", "");
+            QLatin1String(preset)});
     parser.addHelpOption();
     parser.process(app);
 
-    if (!replay().isEmpty()) {
-        const QList<RandomStep> replayed = readTrace(replay());
+    if (!value("replay").isEmpty()) {
+        const QList<RandomStep> replayed = readTrace(value("replay"));
         play(replayed.size(), nullptr, [&replayed](int i) { return replayed.at(i); });
         return 0;
     }
+    const quint32 first = value("seed").toUInt();
+    const int steps = value("steps").toInt();
     QElapsedTimer clock;
     clock.start();
-    for (quint32 seed = first().toUInt(); seed < first().toUInt() + seeds().toUInt(); ++seed) {
-        QFile file(trace());
-        if (!trace().isEmpty() && !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-            qFatal("cannot write %s", qPrintable(trace()));
+    for (quint32 seed = first; seed < first + value("seeds").toUInt(); ++seed) {
+        QFile file(value("trace"));
+        if (!file.fileName().isEmpty() && !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+            qFatal("cannot write %s", qPrintable(file.fileName()));
         RandomDice dice(seed);
-        play(steps().toInt(), file.isOpen() ? &file : nullptr,
-            [&dice](int i) { return RandomWorld::drawStep(dice, i); });
+        const auto draw = [&dice](int i) { return RandomWorld::drawStep(dice, i); };
+        play(steps, file.isOpen() ? &file : nullptr, draw);
     }
-    std::printf("%d steps in %lld ms\n", seeds().toInt() * steps().toInt(), clock.elapsed());
+    std::printf("%d steps in %lld ms\n", value("seeds").toInt() * steps, clock.elapsed());
     return 0;
 }
