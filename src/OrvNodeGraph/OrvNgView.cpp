@@ -430,7 +430,11 @@ void OrvNgView::autoScrollAdvance(OrvNgNode*, bool restartTimer)
 {
     const QPoint cursor = mapFromGlobal(QCursor::pos());
     const QRect area(0, 0, width(), height());
-    const auto scroll = [](QScrollBar* bar, int step) { bar->setValue(bar->value() + step); };
+    // At a large scale a bar may stand at the least number there is.
+    const auto scroll = [](QScrollBar* bar, int step) {
+        bar->setValue(int(
+            qBound(qint64(bar->minimum()), qint64(bar->value()) + step, qint64(bar->maximum()))));
+    };
     if (cursor.x() < area.left() + kAutoScrollBorder)
         scroll(horizontalScrollBar(), -kAutoScrollStep);
     if (cursor.y() < area.top() + kAutoScrollBorder)
