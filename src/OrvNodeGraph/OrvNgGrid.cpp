@@ -130,6 +130,9 @@ GridStrip::GridStrip(
     const QPoint origin = m_IsRow ? QPoint(pixels.left(), pixels.center().y())
                                   : QPoint(pixels.center().x(), pixels.top());
     m_ToStrip = painter->deviceTransform() * QTransform::fromTranslate(-origin.x(), -origin.y());
+    // The lines cross the whole strip, also where less than its breadth is exposed.
+    const QSizeF breadth(kStripBreadth / m_ToStrip.m11(), kStripBreadth / m_ToStrip.m22());
+    m_Rect.adjust(-breadth.width(), -breadth.height(), breadth.width(), breadth.height());
     m_Scale = m_IsRow ? m_ToStrip.m11() : m_ToStrip.m22();
     m_Offset = m_IsRow ? m_ToStrip.dx() : m_ToStrip.dy();
 }

@@ -55,8 +55,13 @@ private Q_SLOTS:
         view.setGridEnabled(true);
         // White on black, so that a difference cannot hide in similar colours.
         OrvNgStyle::instance().setSceneBackgroundBrush(QColor(Qt::black));
-        const auto draw
-            = [&](QPainter* painter, const QRectF& rect) { view.drawBackground(painter, rect); };
+        // With a part that a small change exposes painted again, lines just outside it included.
+        const auto draw = [&](QPainter* painter, const QRectF& rect) {
+            view.drawBackground(painter, rect);
+            const QTransform toScene = painter->deviceTransform().inverted();
+            painter->setClipRect(toScene.mapRect(QRectF(301, 201, 5, 40)));
+            view.drawBackground(painter, toScene.mapRect(QRectF(300, 200, 7, 42)));
+        };
         const struct
         {
             const char* m_Name;
