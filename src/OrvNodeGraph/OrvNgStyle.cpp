@@ -76,9 +76,36 @@ QSettings openUserSheet()
         QCoreApplication::organizationName(), QStringLiteral("NodeGraphStyleSheetVer3"));
 }
 
+/// Parses every section now. Left to itself Qt parses a section when one of its keys is asked for, and then
+/// misses the section of "Edge/EdgeColor" where the file has another one named "Edge\Alpha"; and lines that it
+/// cannot parse show in the status only then.
+void parseAll(const QSettings& sheet)
+{
+    sheet.allKeys();
+}
+
+/// Whether a save would drop lines of the file that cannot be parsed. QSettings says so only to the
+/// first reader of a file in a process, so a scratch copy is parsed; when that fails, the worst is
+/// assumed. A byte order mark is no such line, though Qt takes it for one.
+bool isMalformed(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    if (file.peek(3) == "\xef\xbb\xbf")
+        file.seek(3);
+    const QByteArray bytes = file.readAll();
+    QTemporaryFile scratch;
+    if (!scratch.open() || scratch.write(bytes) != bytes.size() || !scratch.flush())
+        return true;
+    const QSettings sheet(scratch.fileName(), QSettings::IniFormat);
+    parseAll(sheet);
+    return sheet.status() == QSettings::FormatError;
+}
+
 void reportStatus(const QSettings& sheet)
 {
-    if (sheet.status() == QSettings::FormatError) {
+    if (sheet.status() == QSettings::FormatError && isMalformed(sheet.fileName())) {
         orvNgReport(kFile, __LINE__,
             QStringLiteral("[ !! ] The style sheet '%1' is malformed in part")
                 .arg(sheet.fileName()));
@@ -88,32 +115,20 @@ void reportStatus(const QSettings& sheet)
     }
 }
 
-/// Whether the values can be taken from the file at all. Qt decodes a binary value ("@Variant(…)") with the
+/// Parses the file if values can be taken from it at all. Qt decodes a binary value ("@Variant(…)") with the
 /// size that it claims to have, and a damaged one takes the process along: such files are not opened. No
 /// sheet of ours holds binary values.
 bool canBeRead(const QSettings& sheet)
 {
     QFile file(sheet.fileName());
-    if (!file.open(QIODevice::ReadOnly) || !file.readAll().contains("@Variant("))
+    if (!file.open(QIODevice::ReadOnly) || !file.readAll().contains("@Variant(")) {
+        parseAll(sheet);
         return true;
+    }
     orvNgReport(kFile, __LINE__,
         QStringLiteral("[ !! ] The style sheet '%1' holds a binary value; it is left alone")
             .arg(sheet.fileName()));
     return false;
-}
-
-/// Whether a save would drop lines of the file that cannot be parsed. QSettings says so only to the
-/// first reader of a file in a process, so a scratch copy is parsed; when that fails, the worst is
-/// assumed.
-bool isMalformed(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    QTemporaryFile scratch;
-    if (!scratch.open() || scratch.write(file.readAll()) != file.size() || !scratch.flush())
-        return true;
-    return QSettings(scratch.fileName(), QSettings::IniFormat).status() == QSettings::FormatError;
 }
 
 /// Copies a file beside itself, under a name that is free. False when that fails.
@@ -239,9 +254,11 @@ void OrvNgStyle::loadPreferences()
 {
     const QSettings defaults(defaultSheetPath(), QSettings::IniFormat);
     const QSettings user = openUserSheet();
-    reportStatus(defaults);
-    reportStatus(user);
     const bool hasUser = canBeRead(user);
+    parseAll(defaults);
+    reportStatus(defaults);
+    if (hasUser)
+        reportStatus(user);
     for (const SheetValue& value : sheetValues()) {
         const QString defaultText = sheetText(defaults, value.key, QString());
         value.load(

@@ -286,8 +286,7 @@ private Q_SLOTS:
 
     void save_intoMalformedFile_keepsCopy()
     {
-        const QByteArray malformed
-            = "[Edge]\nEdgePenWidth=7\nno value on this line\n[Broken\nA=1\n";
+        const QByteArray malformed = "[Edge]\nEdgePenWidth=7\nno value on this line\n";
         writeUserSheet(malformed);
         OrvNgStyle style;
         QCOMPARE(style.getEdgePenWidth(), 7);
@@ -326,7 +325,7 @@ void tst_OrvNgStyle::load_takesWhatPeopleWrite_data()
     row("empty", "", "", 0);
     row("byte order mark, CR LF", "\xef\xbb\xbf[Edge]\r\nEdgeColor=(1,2,3,4)\r\nEdgePenWidth=7\r\n",
         "EdgeColor=#04010203 EdgePenWidth=7", 0);
-    row("UTF-16", QByteArray("\xff\xfe[\0E\0]\0\n\0a\0=\0b\0", 16), "", 0);
+    row("UTF-16", QByteArray("\xff\xfe[\0E\0]\0\n\0a\0=\0b\0", 16), "", 1);
     row("10 MB", ";" + QByteArray(10'000'000, 'x') + "\n[Edge]\nEdgePenWidth=7\n", width, 0);
     row("the last of equal keys", "[Edge]\nEdgePenWidth=5\n[Own]\n[Edge]\nEdgePenWidth=7\n", width,
         0);
@@ -349,7 +348,9 @@ void tst_OrvNgStyle::load_takesWhatPeopleWrite_data()
     row("pair, blank behind the comma", colors + "\"(1,2,3,4), (5,6,7,8)\"\n",
         "DefaultNodeColor=#04010203#07000506", 0); // three characters stand between colours
     row("pair, no parentheses", colors + "1,2,3,4,5,6,7,8\n", "DefaultNodeColor=nonenone", 0);
-    row("lines without a value", "[Edge]\nEdgePenWidth=7\nno value\n[Broken\nA=1\n", width, 1);
+    row("line without a value", "[Edge]\nEdgePenWidth=7\nno value\n", width, 1);
+    row("section cut off", "[Edge]\nEdgePenWidth=7\n[Broken\nA=1\n", width, 1);
+    row("section within one", "[Edge]\nEdgePenWidth=7\n[Edge\\Alpha]\nA=1\n", width, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_OrvNgStyle)
