@@ -2,6 +2,8 @@
 
 #include <QPainterPathStroker>
 
+#include <algorithm>
+
 namespace {
 
 constexpr double kCreep = 5.0; // scene units, along both axes together
@@ -10,8 +12,18 @@ constexpr double kCurveThreshold = 5.0;
 
 } // namespace
 
+QList<QPointF> OrvNgCursorPath::corners() const
+{
+    return isEmpty() ? QList<QPointF>() : QList<QPointF>{m_TopLeft, m_BottomRight};
+}
+
 void OrvNgCursorPath::append(const QPointF& scenePos, qint64 time)
 {
+    const QPointF& leftTop = isEmpty() ? scenePos : m_TopLeft;
+    const QPointF& rightBottom = isEmpty() ? scenePos : m_BottomRight;
+    m_TopLeft = {std::min(leftTop.x(), scenePos.x()), std::min(leftTop.y(), scenePos.y())};
+    m_BottomRight
+        = {std::max(rightBottom.x(), scenePos.x()), std::max(rightBottom.y(), scenePos.y())};
     m_Points.append(scenePos);
     m_Times.append(time);
 }

@@ -20,6 +20,9 @@ public:
     /// The part that the last follow() changed: the newest segment with the corner at its beginning.
     QList<QPointF> newestStretch() const { return m_Points.mid(qMax(0, m_Points.size() - 3)); }
 
+    /// Two corners of a box around all points since clear(), dropped ones included; empty without points.
+    QList<QPointF> corners() const;
+
     /// Adds a point as it is.
     void append(const QPointF& scenePos, qint64 time);
     /// Adds a point in place of the newest one when that lies within 5 units of its predecessor.
@@ -37,5 +40,7 @@ public:
 private:
     QList<QPointF> m_Points;
     QList<qint64> m_Times; ///< one for each point
+    QPointF m_TopLeft; ///< of the box, widened with each point: looking at all of them takes long
+    QPointF m_BottomRight;
     bool m_ReplaceLast = false;
 };

@@ -612,14 +612,15 @@ void OrvNgExtendedNode::updateTextVisibility()
     if (!bundlesEdges() && m_LabelledEdges.isEmpty())
         return;
     const QList<OrvNgEdge*> labelled = OrvNgEdgeBundles::representatives(*this);
+    const QSet<const OrvNgEdge*> kept(labelled.cbegin(), labelled.cend());
     for (const QPointer<OrvNgEdge>& edge : qAsConst(m_LabelledEdges)) {
-        if (edge && !labelled.contains(edge))
+        if (edge && !kept.contains(edge))
             edge->setTextVisible(false);
     }
     if (bundlesEdges()) {
         for (OrvNgEdge* edge : inputs()) {
             if (edge->isTextVisible() && edge->sourceNode() && edge->isVisible()
-                && !labelled.contains(edge))
+                && !kept.contains(edge))
                 edge->setTextVisible(false); // the host had switched it on
         }
     }

@@ -305,7 +305,7 @@ bool OrvNgView::moveDrawsSeverPath(QMouseEvent* event)
     if (isNavigating() || !drawingEdgeSeverPath())
         return false;
     markEdgesToSever(edgesCrossingPath(m_Path->newestStretch()));
-    updateViewportRect(viewportCursorPathBounds(m_Path->points(), kPathMargin));
+    updateViewportRect(viewportCursorPathBounds(m_Path->corners(), kPathMargin));
     event->accept();
     return true;
 }

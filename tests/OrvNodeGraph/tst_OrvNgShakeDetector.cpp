@@ -44,9 +44,10 @@ private Q_SLOTS:
     {
         OrvNgCursorPath path;
         path.append(QPointF(0, 0), 0);
-        for (int x : {2, 4, 6, 8, 20})
-            path.follow(QPointF(x, 0), x);
-        QCOMPARE(path.points(), (QList<QPointF>{{0, 0}, {6, 0}, {20, 0}}));
+        for (int x : {2, 4, -6, 8, 6, 20})
+            path.follow(QPointF(x, -x), x);
+        QCOMPARE(path.points(), (QList<QPointF>{{0, 0}, {4, -4}, {-6, 6}, {8, -8}, {20, -20}}));
+        QCOMPARE(path.corners(), (QList<QPointF>{{-6, -20}, {20, 6}}));
     }
 };
 
