@@ -158,7 +158,7 @@ bool NetEditor::Text::apply(NetEdit* edit, bool forward)
     for (const NetEdit::Node& each : qAsConst(edit->changed))
         refresh(each.scope, each.node);
     if (!edit->removed.isEmpty() || !edit->addedName.isNull())
-        reconsiderOpenEnds();
+        reconsiderNames();
     if (!edit->rewired.isEmpty() || !edit->removed.isEmpty())
         NetConnector::retypeByUse(&m_Document->m_Scopes[edit->scope], m_Order.at(edit->scope));
     for (NetEdit::Shown& each : edit->shown) {
@@ -290,8 +290,9 @@ void NetEditor::Text::refreshBox(int scope, int node)
     NetConnector(m_Document->m_Files, &m_Document->m_Scopes, &messages).reconnect(&network, node);
 }
 
-// A name that came or went may be what another input waits for, also inside the graphs of the document.
-void NetEditor::Text::reconsiderOpenEnds()
+// A name that came or went may be what another input waits for, also inside the graphs of the document; and
+// one that came back takes the inputs from a later node of that name, which had them meanwhile.
+void NetEditor::Text::reconsiderNames()
 {
     QVector<NetMessage> messages;
     NetConnector connector(m_Document->m_Files, &m_Document->m_Scopes, &messages);
@@ -299,6 +300,10 @@ void NetEditor::Text::reconsiderOpenEnds()
         QSet<int> waiting;
         for (const NetOpenEnd& end : qAsConst(scope.openEnds))
             waiting.insert(end.destNode);
+        for (const NetConnection& wire : qAsConst(scope.connections)) {
+            if (scope.isHidden(wire.sourceNode))
+                waiting.insert(wire.destNode);
+        }
         for (const int node : qAsConst(waiting))
             connector.reconnect(&scope, node);
     }

@@ -88,7 +88,7 @@ private:
     void remove(int scope, const QVector<int>& nodes);
     void refresh(int scope, int node);
     void refreshBox(int scope, int node);
-    void reconsiderOpenEnds();
+    void reconsiderNames();
 
     NetDocument* m_Document;
     QVector<QVector<int>> m_Order; // by scope: the boxes that have an element, in the file's order

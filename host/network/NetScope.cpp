@@ -31,6 +31,14 @@ int NetScope::indexOf(NetNode::Kind nodeKind, const QString& nodeName) const
     return m_First.value(indexKey(nodeKind, nodeName), -1);
 }
 
+bool NetScope::isHidden(int nodeIndex) const
+{
+    const NetNode& node = nodes.at(nodeIndex);
+    const auto alias = m_Aliases.constFind(nodeIndex);
+    return indexOf(node.kind, node.name) != nodeIndex
+        || (alias != m_Aliases.cend() && indexOf(node.kind, *alias) != nodeIndex);
+}
+
 int NetScope::indexOfKey(const QString& key) const
 {
     const int position = m_Keys.value(key, -1);

@@ -85,6 +85,8 @@ public:
 
     /// Position of the first node of that kind and name; -1 when there is none.
     int indexOf(NetNode::Kind nodeKind, const QString& nodeName) const;
+    /// True when another node is the first of this one's kind and name, or of its other name.
+    bool isHidden(int nodeIndex) const;
     /// Position of the node with that key; -1 when there is none. Keys stay as they are for as long
     /// as the document is open, so the second node of a name keeps its number when the first one is
     /// removed.
