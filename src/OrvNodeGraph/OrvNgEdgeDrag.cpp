@@ -263,6 +263,7 @@ OrvNgEdge::DropResult OrvNgEdge::dropDest(
     if (accepted.isEmpty() && !open.isEmpty()) {
         node->notifyInputSourceRefused(m_SourceNode, QString(m_SourceOutputPoint),
             open.size() == 1 ? open.constFirst() : QString());
+        return DropResult::Refused; // the edge may be gone
     }
     return choose(LooseEnd::Dest, node, accepted, globalPos);
 }
@@ -285,8 +286,10 @@ OrvNgEdge::DropResult OrvNgEdge::dropSource(
         if (m_DestNode->acceptsInputSource(node, name, m_Text))
             accepted.append(name);
     }
-    if (accepted.isEmpty())
+    if (accepted.isEmpty()) {
         m_DestNode->notifyInputSourceRefused(node, outputs.constFirst(), QString(m_Text));
+        return DropResult::Refused; // the edge may be gone
+    }
     return choose(LooseEnd::Source, node, accepted, globalPos);
 }
 
