@@ -90,7 +90,10 @@ bool OrvNgView::canPaintPartly() const
 
 void OrvNgView::scrollContentsBy(int dx, int dy)
 {
-    if (canMovePixels())
+    // A jump leaves none of them in sight, and may be as far as numbers go.
+    const QSize size = viewport()->size();
+    const bool isJump = qAbs(qint64(dx)) >= size.width() || qAbs(qint64(dy)) >= size.height();
+    if (!isJump && canMovePixels())
         movePixels(dx, dy);
     else
         QGraphicsView::scrollContentsBy(dx, dy);
