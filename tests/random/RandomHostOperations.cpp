@@ -411,6 +411,11 @@ QList<RandomAct> RandomOperations::reactions(bool mayDelete)
     return mayDelete ? s_All : s_Gentle;
 }
 
+RandomAct RandomOperations::dressing()
+{
+    return onNode(dress);
+}
+
 QList<RandomAct> RandomOperations::deaths()
 {
     return {kDestroy, onLiveNode(deleteNow)};

@@ -18,6 +18,7 @@ namespace {
 
 using W = RandomWorld;
 using Backdrop = OrvNgBackdropNode;
+constexpr int kDressings = 3;
 
 #define HOLDS(condition, text)                                                                     \
     if (!(condition))                                                                              \
@@ -365,7 +366,7 @@ void shrinkFrame(W& world)
     probeGhost(world, frame);
 }
 
-/// Also the bounds of what is seen, when their timer has run.
+/// Also the bounds of what is seen, when their timer has run. The minimap waits for it, which the second view has not.
 void checkPictures(W& world)
 {
     world.flush();
@@ -381,6 +382,13 @@ void checkPictures(W& world)
             world.fail(withValues("G5 bounds of the nodes:", view->visibleNodeBounds(), bounds));
         world.process();
         world.fail(pictureBroken(world, *view));
+    }
+    world.hostActs();
+    for (int i = 0; i < kDressings;
+         ++i) { // one change alone, that no wider one repaints by the way
+        RandomOperations::dressing()(world);
+        world.process();
+        world.fail(pictureBroken(world, *world.m_Watcher));
     }
 }
 

@@ -187,6 +187,8 @@ QList<RandomOperation> checks(); ///< mostly at fixed steps: what is too dear to
 /// What a slot may do; with true also what deletes at once.
 QList<RandomAct> reactions(bool mayDelete);
 QList<RandomAct> deaths();
+/// Changes how one node looks.
+RandomAct dressing();
 /// Picks an entry of a menu that has opened, or closes it, or does worse.
 void answerMenu(RandomWorld& world, QMenu& menu);
 
