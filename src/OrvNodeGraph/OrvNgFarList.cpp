@@ -86,6 +86,7 @@ bool OrvNgFarList::call(QGraphicsScene* scene)
     m_Edges.clear();
     m_Known.clear();
     m_Others.clear();
+    m_OtherPlaces.clear();
     m_OtherBounds = QRectF();
     const bool keepsLooks = m_Looks.count() <= kMostLooks;
     if (!keepsLooks)
@@ -99,6 +100,8 @@ bool OrvNgFarList::call(QGraphicsScene* scene)
         item.m_Kind = entry.m_Kind;
         item.m_Z = entry.m_Item->zValue();
         reset(item);
+        if (item.m_Kind == OrvNgRollCall::Kind::Other)
+            m_OtherPlaces.append(m_Items.size());
         m_Items.append(item);
         edges += item.m_Kind == OrvNgRollCall::Kind::Edge ? 1 : 0;
         if (item.m_Kind == OrvNgRollCall::Kind::Other && !dynamic_cast<OrvNgNode*>(item.m_Item)) {
@@ -156,12 +159,28 @@ bool OrvNgFarList::refresh(QGraphicsScene* scene, const QVector<QRectF>& changed
         const bool isNode = item.m_Kind == OrvNgRollCall::Kind::Node; // no other comes unnoticed
         if (isNode)
             read(item);
-        if (item.m_Bounds != before.m_Bounds)
+        if (item.m_Bounds != before.m_Bounds) {
+            if (meetsAnew(item, before.m_Bounds))
+                return false;
             unexplained.take(before.m_Bounds);
+        }
         if (isNode || item.m_Bounds != before.m_Bounds || item.m_Index != before.m_Index)
             unexplained.take(item.m_Bounds);
     }
     return unexplained.isEmpty() || isKnown(OrvNgRollCall::hold(scene, unexplained.bounds()));
+}
+
+/// Where an item of another class lies is known among those only that overlapped it when the roll was called.
+bool OrvNgFarList::meetsAnew(const Item& item, const QRectF& before) const
+{
+    const auto isMet = [&item, &before](const Item& other) {
+        return other.m_Z == item.m_Z && other.m_Item != item.m_Item
+            && other.m_Bounds.intersects(item.m_Bounds) && !other.m_Bounds.intersects(before);
+    };
+    if (item.m_Kind == OrvNgRollCall::Kind::Other)
+        return std::any_of(m_Items.cbegin(), m_Items.cend(), isMet);
+    return std::any_of(m_OtherPlaces.cbegin(), m_OtherPlaces.cend(),
+        [this, &isMet](int place) { return isMet(m_Items.at(place)); });
 }
 
 /// Items of other classes are looked at wherever they lie: one that ignores the view's transform may reach

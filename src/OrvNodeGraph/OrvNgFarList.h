@@ -62,11 +62,13 @@ private:
     void read(Item& item);
     void paint(QPainter* painter, const Item& item, OrvNgFarLines& lines,
         const OrvNgFarPictures::Shot& shot, OrvNgFarPictures& pictures) const;
+    bool meetsAnew(const Item& item, const QRectF& before) const;
     bool isKnown(const QVector<OrvNgRollCall::Entry>& roll);
 
     QVector<Item> m_Items;
     QVector<OrvNgFarEdge> m_Edges;
     QSet<const QGraphicsItem*> m_Others; ///< of m_Items those that are neither nodes nor edges
+    QVector<int> m_OtherPlaces; ///< in m_Items, of all that are of other classes, nodes included
     QRectF m_OtherBounds; ///< of m_Others, scene coordinates
     QSet<const QGraphicsItem*> m_Known; ///< all of m_Items, once asked for
     OrvNgFarLooks m_Looks;

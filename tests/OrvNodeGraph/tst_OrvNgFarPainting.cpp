@@ -195,6 +195,10 @@ private Q_SLOTS:
         row("a node fades", DO(m_Node->setOpacity(0.4)), true);
         row("a node gets a child", DO(addRect(s.m_Node)), true);
         row("a node goes below a rectangle", DO(m_Own->setZValue(-5)), false);
+        row("a node comes above an older item",
+            DO(m_Rect->setPos(900, -200), s.m_Scene.removeItem(s.m_Node),
+                s.m_Scene.addItem(s.m_Node), s.settle(), s.m_Node->setPos(720, 120)),
+            false);
         row("a node joins another item", DO(m_Node->setParentItem(s.m_Rect)), false);
         row("an edge is freed", DO(m_Node->input(kA)->setSourceNode(nullptr, {})), true);
         row("an edge comes", DO(connectInput(kB)), false);
