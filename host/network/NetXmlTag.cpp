@@ -65,10 +65,11 @@ int NetXmlTag::elementEnd() const
             position = behind(m_Text, ">", position);
             --depth;
         } else if (next == '?') {
-            position = behind(m_Text, "?>", position);
+            position = behind(m_Text, "?>", position + 2);
         } else if (next == '!') {
             const bool data = m_Text.mid(position, 9) == "<![CDATA[";
-            position = behind(m_Text, data ? "]]>" : "-->", position);
+            // Not the dashes of the beginning: "<!-->" is no whole comment.
+            position = behind(m_Text, data ? "]]>" : "-->", position + 4);
         } else {
             const NetXmlTag inner(m_Text, position);
             position = inner.end();

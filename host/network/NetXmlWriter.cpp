@@ -85,7 +85,7 @@ int NetXmlWriter::behindComments(int position) const
             ++next;
         if (m_Text.mid(next, 4) != "<!--")
             return position;
-        next = m_Text.indexOf("-->", next);
+        next = m_Text.indexOf("-->", next + 4); // behind the dashes of the beginning
         if (next < 0)
             return position;
         position = next += 3;
