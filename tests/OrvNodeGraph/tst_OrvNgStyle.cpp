@@ -1,6 +1,7 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/DebugRecorder.h"
 #include "support/StyleValues.h"
+#include "support/TestRows.h"
 #include "support/TestTable.h"
 
 #include <OrvCore/OrvResourceInfo.h>
@@ -121,19 +122,18 @@ private Q_SLOTS:
     void load_takesWhatPeopleWrite()
     {
         QFETCH(QByteArray, file);
-        QFETCH(QString, changed);
-        QFETCH(int, reports);
+        QFETCH(QByteArray, changed);
         const auto defaults = StyleValues::of(OrvNgStyle());
         writeUserSheet(file);
         OrvNgStyle style;
-        QCOMPARE(StyleValues::difference(style, defaults), changed);
+        QCOMPARE(StyleValues::difference(style, defaults).toUtf8(), changed);
         const ColorPair colors = style.getDefaultNodeColor();
         QCOMPARE(style.getDefaultNodeBrush().stops(), // derived from it
             QGradientStops({{0.0, colors.first}, {1.0, colors.second}}));
-        QCOMPARE(m_Recorder.messages().size(), reports);
+        QTEST(QByteArray::number(m_Recorder.messages().size()), "reports");
         style.savePreferences();
         const OrvNgStyle again;
-        QCOMPARE(StyleValues::difference(again, defaults), changed);
+        QCOMPARE(StyleValues::difference(again, defaults).toUtf8(), changed);
     }
 
     void load_whatIsNoFile_countsAsEmpty_data()
@@ -318,39 +318,18 @@ private:
 
 void tst_OrvNgStyle::load_takesWhatPeopleWrite_data()
 {
-    const QString width = QStringLiteral("EdgePenWidth=7");
-    const QString pair = QStringLiteral("DefaultNodeColor=#04010203#08050607");
-    const QByteArray colors = "[NodeStateColors]\nDefaultNodeColor=";
-    const TestTable<QByteArray, QString, int> row("file", "changed", "reports");
-    row("empty", "", "", 0);
-    row("byte order mark, CR LF", "\xef\xbb\xbf[Edge]\r\nEdgeColor=(1,2,3,4)\r\nEdgePenWidth=7\r\n",
-        "EdgeColor=#04010203 EdgePenWidth=7", 0);
-    row("UTF-16", QByteArray("\xff\xfe[\0E\0]\0\n\0a\0=\0b\0", 16), "", 1);
-    row("10 MB", ";" + QByteArray(10'000'000, 'x') + "\n[Edge]\nEdgePenWidth=7\n", width, 0);
-    row("the last of equal keys", "[Edge]\nEdgePenWidth=5\n[Own]\n[Edge]\nEdgePenWidth=7\n", width,
-        0);
-    row("other letter case", "[edge]\nEdgePenWidth=5\n[Edge]\nedgepenwidth=6\n", "", 0);
-    row("no number", "[Edge]\nEdgePenWidth=wide\n[LOD]\nSceneLODSwitchThreshold=0,5\n",
-        "EdgePenWidth=0 SceneLODSwitchThreshold=0", 0);
-    row("not finite", "[LOD]\nSceneLODSwitchThreshold=nan\nEdgeLODSwitchThreshold=1e999\n",
-        "EdgeLODSwitchThreshold=0 SceneLODSwitchThreshold=0", 0);
-    row("variant", "[Edge]\nEdgePenWidth=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\a)\n", "", 1);
-    row("no value", "[Edge]\nEdgeColor=@Invalid()\n", "EdgeColor=none", 0);
-    row("lists", "[Edge]\nEdgePenWidth=7,8\nEdgeColor=1, 2,3 ,4\n",
-        "EdgeColor=#04010203 EdgePenWidth=0", 0);
-    row("other separators", "[Edge]\nEdgeColor=(1/2|3)\n", "EdgeColor=#00010203", 0);
-    row("channel out of range", "[Edge]\nEdgeColor=\"(1,2,3,400)\"\n", "EdgeColor=none", 0);
-    row("cut off", "[Edge]\nEdgeColor=(1,2\nSeveredEdgeColor=(\n",
-        "EdgeColor=#00010200 SeveredEdgeColor=#00000000", 0);
-    row("nine numbers", "[Edge]\nEdgeColor=\"(1,2,3,4,5,6,7,8,9)\"\n", "EdgeColor=#04010203", 0);
-    row("pair", colors + "(1,2,3,4),(5,6,7,8)\n", pair, 0);
-    row("pair, cut off", colors + "(1,2,3,4)\n", "DefaultNodeColor=#04010203#00000000", 0);
-    row("pair, blank behind the comma", colors + "\"(1,2,3,4), (5,6,7,8)\"\n",
-        "DefaultNodeColor=#04010203#07000506", 0); // three characters stand between colours
-    row("pair, no parentheses", colors + "1,2,3,4,5,6,7,8\n", "DefaultNodeColor=nonenone", 0);
-    row("line without a value", "[Edge]\nEdgePenWidth=7\nno value\n", width, 1);
-    row("section cut off", "[Edge]\nEdgePenWidth=7\n[Broken\nA=1\n", width, 1);
-    row("section within one", "[Edge]\nEdgePenWidth=7\n[Edge\\Alpha]\nA=1\n", width, 0);
+    addTestRows(
+        ORV_TEST_DATA "/style-sheets.txt", "sheets", {"what", "file", "changed", "reports"});
+    const auto row
+        = [](const char* what, const QByteArray& file, const char* changed, const char* reports) {
+              QTest::newRow(what) << QByteArray(what) << file << QByteArray(changed)
+                                  << QByteArray(reports);
+          };
+    const QByteArray width = "[Edge]\nEdgePenWidth=7\n";
+    row("empty", "", "", "0");
+    row("byte order mark", "\xef\xbb\xbf" + width, "EdgePenWidth=7", "0");
+    row("UTF-16", QByteArray("\xff\xfe[\0E\0]\0\n\0a\0=\0b\0", 16), "", "1");
+    row("10 MB", ";" + QByteArray(10'000'000, 'x') + '\n' + width, "EdgePenWidth=7", "0");
 }
 
 QTEST_GUILESS_MAIN(tst_OrvNgStyle)
