@@ -12,6 +12,7 @@
 #include "OrvNodeGraph/OrvNgTextNode.h"
 #include "OrvNodeGraph/OrvNgUINode.h"
 #include "support/DebugRecorder.h"
+#include "support/Literals.h"
 #include "support/ViewStage.h"
 
 #include "OrvCoreModules/OrvShaderNetworkManager.h"
@@ -27,11 +28,6 @@ namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
-
-QString q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 const QList<double> kFloats{kNan, kInf, -kInf, -0.0, 5e-324, 1e-300, -1.0, 0.0, 1e7, -1e7, 2.2e9,
     -2.2e9, 1e12, 1e300, -DBL_MAX, DBL_MAX};

@@ -103,41 +103,6 @@ private Q_SLOTS:
             QVERIFY(!item->boundingRect().isEmpty());
         }
     }
-
-    void geometry_isRightWithoutEventLoop()
-    {
-        ExtendedRig rig;
-        Node& node = *rig.m_Node;
-        rig.setMode(Node::PORT_LIST_EXPANDED);
-        const double before = node.inputPortDestPos(kC).y();
-        const double step = before - node.inputPortDestPos(kB).y();
-        const double width = node.nodeShapeRect().width();
-        node.setInputPortVisible(kA, false);
-        QCOMPARE(node.inputPortDestPos(kC).y(), before - step);
-        node.removeInput(kB);
-        node.inputPort(kC)->setText(QString(60, QLatin1Char('m')));
-        for (int round = 0; round < 2; ++round) {
-            QCOMPARE(node.inputPortDestPos(kC).y(), before - 2 * step);
-            QVERIFY(node.nodeShapeRect().width() > width + 100);
-            QCOMPARE(node.outputPortSourcePos(kOut).x(), 400 + node.nodeShapeRect().width() - 6);
-            QCoreApplication::processEvents();
-        }
-    }
-
-    void pausedNode_isLaidOutWhenResumed()
-    {
-        ExtendedRig rig;
-        rig.setMode(Node::PORT_LIST_COLLAPSED);
-        const QRectF before = rig.m_Node->boundingRect();
-        rig.m_Node->pauseInvalidation(true);
-        rig.setMode(Node::PORT_LIST_EXPANDED);
-        rig.m_Node->setText(QString(60, QLatin1Char('m')));
-        QCOMPARE(rig.m_Node->boundingRect(), before);
-        rig.m_Node->pauseInvalidation(false);
-        QVERIFY(rig.m_Node->boundingRect().width() > before.width() + 200);
-        QCOMPARE(rig.m_Node->inputPortDestPos(kA),
-            rig.m_Node->inputPort(kA)->portRectMappedToScene().center());
-    }
 };
 
 QTEST_MAIN(tst_OrvNgExtendedNode)

@@ -1,16 +1,7 @@
-#include "OrvNodeGraph/OrvNgMinimap.h"
+#include "support/Literals.h"
 #include "support/ViewStage.h"
 
-#include <QPainter>
-
-#include <numeric>
-
 namespace {
-
-QString q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// Counts its paints into the minimap, and those elsewhere.
 class CountingNode : public TestNode
@@ -54,34 +45,6 @@ class tst_OrvNgMinimap : public QObject
 
 private Q_SLOTS:
     void cleanup() { QVERIFY(QApplication::topLevelWidgets().isEmpty()); }
-
-    /// A red node among the others is looked for in the picture and pressed there.
-    void press_goesWhereThePictureShows()
-    {
-        // In wide bounds, in tall ones, and to the left.
-        const QPair<QPointF, double> tolerances[]
-            = {{{3000, 500}, 60}, {{500, 6000}, 200}, {{-4000, -300}, 80}};
-        for (const auto& [marked, tolerance] : tolerances) {
-            FarStage stage(marked * 1.3 + QPointF(100, 100));
-            TestNode* node = stage.add(q("marked"), marked, {300, 200});
-            node->setNodeBrush(QColor(Qt::red));
-            stage.settle();
-            const QRect map = stage.m_View.minimapRect();
-            const QImage picture = stage.picture();
-            QVector<QPointF> red;
-            for (int y = map.top(); y <= map.bottom(); ++y) {
-                for (int x = map.left(); x <= map.right(); ++x) {
-                    const QColor pixel = picture.pixelColor(x, y);
-                    if (pixel.red() > 100 && pixel.green() < 90)
-                        red.append(QPointF(x, y));
-                }
-            }
-            QVERIFY(!red.isEmpty());
-            const QPointF sum = std::accumulate(red.cbegin(), red.cend(), QPointF());
-            stage.press((sum / red.size()).toPoint(), Qt::LeftButton);
-            QVERIFY(isNear(stage.m_View.center(), node->sceneBoundingRect().center(), tolerance));
-        }
-    }
 
     void nodeThatLeavesTheView_bringsTheMinimap()
     {

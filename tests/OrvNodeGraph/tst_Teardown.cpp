@@ -3,6 +3,7 @@
 #include "OrvNodeGraph/OrvNgExtendedNode.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
+#include "support/Literals.h"
 #include "support/ViewStage.h"
 
 #include "OrvCore/OrvUndoManager.h"
@@ -15,11 +16,6 @@
 #include <memory>
 
 namespace {
-
-QString q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 OrvNgExtendedNode* addNode(QGraphicsScene& scene, const QPointF& pos)
 {

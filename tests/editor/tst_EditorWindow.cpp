@@ -7,6 +7,7 @@
 #include "editor/EditorUser.h"
 #include "editor/EditorWindow.h"
 #include "network/NetDocument.h"
+#include "support/Literals.h"
 #include "support/TestRows.h"
 
 #include <OrvCore/OrvUndoManager.h>
@@ -36,11 +37,6 @@ const QByteArray kGraphs = contents(testPath("graphs.mtlx"));
 const QByteArray kTheirs = QByteArray(kGraphs).replace(
     "<twice name=\"deep\"", "<twice name=\"new\" type=\"float\" /><twice name=\"deep\"");
 const QPoint kGround(5, 5); // where there is nothing
-
-QString q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 using Answer = EditorQuestions::Answer;
 

@@ -4,15 +4,6 @@
 #include <QFontDatabase>
 #include <QtTest>
 
-namespace {
-
-QString q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
-} // namespace
-
 /// The library's look, pixel by pixel, at scales at which all of it is drawn. Text is equal everywhere with a
 /// font of our own choice, sized in pixels and not hinted.
 class tst_Pictures : public QObject

@@ -15,40 +15,19 @@
 class DebugRecorder
 {
 public:
-    struct Report
-    {
-        QString file;
-        int line = 0;
-        QString message;
-    };
-
     DebugRecorder()
     {
-        m_Previous = OrvSetDebugHandler(
-            [this](const QString& file, int line, const QString& message, bool, bool) {
-                m_Reports.append({file, line, message});
-            });
+        m_Previous = OrvSetDebugHandler([this](const QString&, int, const QString& message, bool,
+                                            bool) { m_Messages.append(message); });
     }
     ~DebugRecorder() { OrvSetDebugHandler(std::move(m_Previous)); }
 
-    const QList<Report>& reports() const { return m_Reports; }
-
-    QStringList messages() const
-    {
-        QStringList texts;
-        for (const Report& report : m_Reports)
-            texts.append(report.message);
-        return texts;
-    }
-
-    /// How often exactly this message was reported.
-    int count(const QString& message) const { return messages().count(message); }
-
-    void clear() { m_Reports.clear(); }
+    const QStringList& messages() const { return m_Messages; }
+    void clear() { m_Messages.clear(); }
 
 private:
     Q_DISABLE_COPY(DebugRecorder)
 
-    QList<Report> m_Reports;
+    QStringList m_Messages;
     OrvDebugHandler m_Previous;
 };

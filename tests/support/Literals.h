@@ -7,3 +7,9 @@ inline QString operator""_s(const char16_t* text, std::size_t size)
 {
     return QString::fromUtf16(text, int(size));
 }
+
+/// UTF-8.
+inline QString q(const char* text)
+{
+    return QString::fromUtf8(text);
+}

@@ -1,5 +1,6 @@
 #include "OrvNodeGraph/OrvNgDotNode.h"
 #include "OrvNodeGraph/OrvNgNodePositionChangeUndo.h"
+#include "OrvNodeGraph/OrvNgPort.h"
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/Scenario.h"
 
@@ -17,6 +18,19 @@ public:
     {
         return source->text() != u"Odd";
     }
+};
+
+/// A host's object that selects the node it stands for in turn.
+class Model : public OrvSerializableObject
+{
+public:
+    using OrvSerializableObject::OrvSerializableObject;
+    void setSelected(bool selected, bool withChildren = false) override
+    {
+        OrvSerializableObject::setSelected(selected, withChildren);
+        m_Tell(selected);
+    }
+    std::function<void(bool)> m_Tell;
 };
 
 } // namespace
@@ -47,6 +61,14 @@ void ScenarioStage::addHostWords()
     word("dot", [this] { introduce(new OrvNgDotNode(nullptr)); });
     word("title", [this] { node().setText(text(1).replace(u"\\n"_s, u"\n"_s)); });
     word("hovered", [this] { node().setHovered(isOn(1)); });
+    word("model", [this] {
+        auto* model = new Model(&m_View);
+        node().setParent(model);
+        model->m_Tell = [this, item = &node()](bool isOn) {
+            tell(u"models"_s, item->text() + (isOn ? u"+"_s : u"-"_s));
+            static_cast<QGraphicsItem*>(item)->setSelected(isOn);
+        };
+    });
     word("visible", [this] { node().setVisible(isOn(1)); });
     word("system", [this] { node().setIsSystemShaderNode(isOn(1)); });
     word("unselectable", [this] { node().setFlag(QGraphicsItem::ItemIsSelectable, false); });
@@ -116,6 +138,8 @@ void ScenarioStage::addHostWords()
     word("textat", [this] {
         node().setInputConnectionTextPositions({{text(1), float(number(2))}});
     });
+    word("pause", [this] { extended().pauseInvalidation(isOn(1)); });
+    word("setporttext", [this] { port(1)->setText(text(2)); });
     word("reorder", [=] {
         isIn() ? extended().reorderInputPorts(textsFrom(2))
                : extended().reorderOutputPorts(textsFrom(2));

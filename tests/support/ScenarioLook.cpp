@@ -46,6 +46,11 @@ void ScenarioStage::addLookWords()
         u"disc $1from $2, disc $1 $2, shift $1 $3, connect $1.a $1from.out, tags $1.a $4 $5"_s);
     word("note", [this] { introduce(new OrvNgUINode(nullptr)); });
     word("notecolor", [this] { nodeAs<OrvNgUINode>().setNodeBackgroundColour(color(1)); });
+    word("notelabel", [this] {
+        const QString all = text(1).repeated(qMax(1, whole(2)));
+        node().setProperty("label", QString(all).replace(u"\\n"_s, u"\n"_s));
+    });
+    word("increase", [this] { nodeAs<OrvNgTextNode>().increaseSize(whole(1)); });
     word("textnode", [this] { introduce(new OrvNgTextNode(nullptr)); });
     recolour("shape", [this] { node().setShapeType(whole(1)); });
     recolour("colors", [this] { node().setNodeColor(color(1), color(2)); });
@@ -77,7 +82,7 @@ void ScenarioStage::addLookWords()
     word("icon", [this] { extended().setIconVisible(true, extended().addIcon(text(1))); });
     word("hideicon", [this] { extended().setIconVisible(false, whole(1)); });
     word("pixmap", [this] {
-        QPixmap icon(10, 10);
+        QPixmap icon(m_Args.size() > 2 ? size(2).toSize() : QSize(10, 10));
         icon.fill(color(1));
         node().setPixmap(icon, {2, 2});
     });

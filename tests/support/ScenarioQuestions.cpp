@@ -4,6 +4,9 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/Scenario.h"
 
+#include <QGraphicsTextItem>
+#include <QTextDocument>
+
 namespace {
 
 /// Null unless it is shown.
@@ -103,6 +106,39 @@ void ScenarioStage::addQuestions()
     word("recolourings", [this] { return nodeAs<TestNode>().m_Recolourings; });
     word("doubleclick",
         [this] { return node().isDoubleClickValid(node().mapFromScene(scenePos(text(1)))); });
+    word("shapeof", [this] { return int(node().resolvedShapeType()); });
+    word("brush", [this] {
+        const QBrush brush = node().nodeUniColour();
+        QString colors = brush.gradient() ? QString() : brush.color().name();
+        for (const auto& stop : brush.gradient() ? brush.gradient()->stops() : QGradientStops())
+            colors += stop.second.name();
+        return colors;
+    });
+    word("brushends", [this] { // how far from the node's top and bottom
+        const QBrush brush = node().nodeUniColour();
+        const auto* line = static_cast<const QLinearGradient*>(brush.gradient());
+        const QRectF body = node().boundingRect();
+        return QPointF(line->start().y() - body.top(), line->finalStop().y() - body.bottom());
+    });
+    // Notes and text nodes; "_" for a space that does not break, "/" for a new line
+    const auto readable = [](QString text) {
+        text.replace(QChar::Nbsp, u'_').replace(QChar::LineSeparator, u'/');
+        return text.replace(QChar::ParagraphSeparator, u'/').replace(u'\n', u'/') + u"."_s;
+    };
+    const auto rich = [this] { return shownChildOf<QGraphicsTextItem>(&node()); };
+    const auto plain = [this] { return shownChildOf<QGraphicsSimpleTextItem>(&node()); };
+    word("labelis", [=] { return readable(node().property("label").toString()); });
+    word("labelsize", [this] { return node().property("label").toString().size(); });
+    word("notetext", [=] { return readable(rich()->document()->toRawText()); });
+    word("textcolor",
+        [=] { return rich() ? rich()->defaultTextColor() : plain()->brush().color(); });
+    word("textmargin", [=] { // how much the node is larger, and how far the two middles are apart
+        const QGraphicsItem* item = rich();
+        item = item ? item : plain();
+        return scenarioText(node().boundingRect().size() - item->boundingRect().size()) + u" "_s
+            + scenarioText(
+                item->sceneBoundingRect().center() - node().sceneBoundingRect().center());
+    });
     // Points and ports
     word("inputpoints", [this] { return node().sortedInputPoints(); });
     word("outputpoints", [this] { return node().sortedOutputPoints(); });
