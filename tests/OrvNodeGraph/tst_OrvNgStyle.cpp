@@ -1,16 +1,11 @@
-#include "OrvNodeGraph/OrvNgStyle.h"
 #include "support/DebugRecorder.h"
+#include "support/Literals.h"
 #include "support/StyleValues.h"
 #include "support/TestRows.h"
 #include "support/TestTable.h"
 
 #include <OrvCore/OrvResourceInfo.h>
 
-#include <QDir>
-#include <QFile>
-#include <QLocale>
-#include <QMetaProperty>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <csignal>
@@ -20,6 +15,7 @@
 using ColorPair = QPair<QColor, QColor>;
 
 namespace {
+
 struct GoldenRow
 {
     QString name, type, source, group;
@@ -34,14 +30,25 @@ QByteArray fileBytes(const QString& path)
 QVector<GoldenRow> goldenRows()
 {
     QVector<GoldenRow> rows;
-    const QString text
-        = QString::fromUtf8(fileBytes(QStringLiteral(ORV_TEST_DATA "/style-properties.txt")));
-    for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        const QStringList words = line.simplified().split(QLatin1Char(' '));
-        if (!line.startsWith(QLatin1Char('#')))
+    const QString text = QString::fromUtf8(fileBytes(q(ORV_TEST_DATA "/style-properties.txt")));
+    for (const QString& line : text.split(u'\n', Qt::SkipEmptyParts)) {
+        const QStringList words = line.simplified().split(u' ');
+        if (!line.startsWith(u'#'))
             rows.append({words.value(0), words.value(1), words.value(2), words.value(3)});
     }
     return rows;
+}
+
+/// The names of the properties of some sources ("file", "derived" …), in alphabetic order.
+QStringList propertiesFrom(const QString& sources)
+{
+    QStringList names;
+    for (const GoldenRow& row : goldenRows()) {
+        if (sources.contains(row.source))
+            names.append(row.name);
+    }
+    names.sort();
+    return names;
 }
 
 /// "Group/Key" of every value of the default sheet, and its type.
@@ -49,8 +56,8 @@ QMap<QString, QString> sheetKeys()
 {
     QMap<QString, QString> keys;
     for (const GoldenRow& row : goldenRows()) {
-        if (row.source == QLatin1String("file") || row.source == QLatin1String("read-only"))
-            keys.insert(row.group + QLatin1Char('/') + row.name, row.type);
+        if (row.source == u"file" || row.source == u"read-only")
+            keys.insert(row.group + u'/' + row.name, row.type);
     }
     return keys;
 }
@@ -62,6 +69,58 @@ QMap<QString, QVariant> contents(const QString& path)
     for (const QString& key : file.allKeys())
         values.insert(key, file.value(key));
     return values;
+}
+
+QStringList backticked(const QString& text)
+{
+    QStringList found;
+    auto match = QRegularExpression(u"`([^`\\n]+)`"_s).globalMatch(text);
+    while (match.hasNext())
+        found += match.next().captured(1);
+    return found;
+}
+
+/// Of the tables of the document that stand below headings: the name that the first cell begins with, and
+/// what stands in backticks in the second. Below a heading in brackets, a group of the file, the name is
+/// "group/name".
+QMultiMap<QString, QStringList> documented(const QString& headingStart)
+{
+    QMultiMap<QString, QStringList> rows;
+    QString heading;
+    const QString text = QString::fromUtf8(fileBytes(q(ORV_DOCS "/style-sheet.md")));
+    for (const QString& line : text.split(u'\n')) {
+        if (line.startsWith(u'#'))
+            heading = line.section(u' ', 1);
+        if (!line.startsWith(u"| `"_s) || !heading.startsWith(headingStart))
+            continue;
+        const QString group
+            = heading.startsWith(u'[') ? heading.mid(1).chopped(1) + u'/' : QString();
+        rows.insert(group + backticked(line.section(u'|', 1, 1)).value(0),
+            backticked(line.section(u'|', 2, 2)));
+    }
+    return rows;
+}
+
+QVariant valueOf(const OrvNgStyle& style, const QString& name)
+{
+    const QVariant value = style.property(name.toLatin1().constData());
+    // Variants know how to compare brushes and pens, but not gradients.
+    return value.userType() == qMetaTypeId<QLinearGradient>()
+        ? QVariant(QBrush(value.value<QLinearGradient>()))
+        : value;
+}
+
+/// Another value of the same type.
+QVariant otherThan(const QVariant& value)
+{
+    const QColor color(1, 2, 3, 4);
+    for (const QVariant& other : {QVariant::fromValue(OrvColor(color)), QVariant(color),
+             QVariant::fromValue(qMakePair(color, color)), QVariant(QPoint(987, 654)),
+             QVariant(QPointF(987, 654))}) {
+        if (other.userType() == value.userType())
+            return other;
+    }
+    return value.toInt() + 7;
 }
 
 } // namespace
@@ -76,12 +135,11 @@ private Q_SLOTS:
 
     void init()
     {
-        OrvResourceInfo::instance().setResourceRoot(QStringLiteral(ORV_RESOURCES));
+        OrvResourceInfo::instance().setResourceRoot(q(ORV_RESOURCES));
         // Qt keeps what it could not write for the next one who opens the file: each test has its own.
-        m_Organization = QStringLiteral("OrvStyleTest%1").arg(++m_Number);
+        m_Organization = u"OrvStyleTest%1"_s.arg(++m_Number);
         QCoreApplication::setOrganizationName(m_Organization);
-        m_UserPath
-            = m_Config.filePath(m_Organization + QStringLiteral("/NodeGraphStyleSheetVer3.ini"));
+        m_UserPath = m_Config.filePath(m_Organization + u"/NodeGraphStyleSheetVer3.ini"_s);
         m_Recorder.clear();
     }
 
@@ -108,14 +166,57 @@ private Q_SLOTS:
         }
     }
 
-    void defaultSheet_holdsEveryKeyWithCommasQuoted()
+    void defaultSheet_holdsWhatIsDocumented()
     {
-        const auto sheet
-            = contents(QStringLiteral(ORV_RESOURCES "/settings/DefaultNodeGraphStyleSheet.conf"));
+        const auto sheet = contents(q(ORV_RESOURCES "/settings/DefaultNodeGraphStyleSheet.conf"));
         QCOMPARE(sheet.keys(), sheetKeys().keys());
         QCOMPARE(sheet.size(), 87);
-        for (auto text = sheet.begin(); text != sheet.end(); ++text) // a list without the quotes
-            QVERIFY2(text->userType() == QMetaType::QString, qPrintable(text.key()));
+        const auto rows = documented(u"["_s);
+        QCOMPARE(rows.keys(), sheet.keys());
+        for (auto text = sheet.begin(); text != sheet.end(); ++text) {
+            const bool isQuoted = text->userType() == QMetaType::QString; // a list without quotes
+            QVERIFY2(isQuoted && rows.value(text.key()).value(0) == *text, qPrintable(text.key()));
+        }
+    }
+
+    void derivedValues_areMadeOfWhatIsDocumented()
+    {
+        OrvNgStyle style;
+        const auto rows = documented(u"Brushes and pens made of them"_s);
+        QStringList expected = propertiesFrom(u"derived unset"_s);
+        for (const QByteArray& name : style.dynamicPropertyNames())
+            expected += QString::fromLatin1(name);
+        expected.sort();
+        QCOMPARE(rows.keys(), expected);
+
+        for (const QString& key : propertiesFrom(u"file read-only"_s)) {
+            QHash<QString, QVariant> before;
+            for (const QString& name : expected)
+                before[name] = valueOf(style, name);
+            const QVariant value = valueOf(style, key);
+            style.setProperty(key.toLatin1().constData(), otherThan(value));
+            Q_EMIT style.colorsUpdated();
+            for (const QString& name : expected)
+                QVERIFY2((before[name] != valueOf(style, name)) == rows.value(name).contains(key),
+                    qPrintable(key + u" changes "_s + name));
+            style.setProperty(key.toLatin1().constData(), value);
+            Q_EMIT style.colorsUpdated();
+        }
+    }
+
+    void fixedValues_areThoseDocumented()
+    {
+        const auto rows = documented(u"Fixed values"_s);
+        QCOMPARE(rows.keys(), propertiesFrom(u"fixed"_s));
+        for (auto row = rows.begin(); row != rows.end(); ++row) {
+            const QVariant value = valueOf(OrvNgStyle::instance(), row.key());
+            const auto color = value.value<QColor>();
+            const QString channels
+                = u"(%1,%2,%3,"_s.arg(color.red()).arg(color.green()).arg(color.blue());
+            QCOMPARE(row->value(0),
+                color.isValid() ? channels + QString::number(color.alpha()) + u')'
+                                : QString::number(value.toFloat()));
+        }
     }
 
     void load_takesWhatPeopleWrite_data();
@@ -157,7 +258,7 @@ private Q_SLOTS:
         style.loadPreferences();
         QCOMPARE(seteuid(user), 0);
         QVERIFY(style.getEdgePenWidth() != 7);
-        QVERIFY(m_Recorder.messages().join(QLatin1Char(' ')).contains(m_UserPath));
+        QVERIFY(m_Recorder.messages().join(u' ').contains(m_UserPath));
     }
 
     void refresh_makesPens()
@@ -189,13 +290,10 @@ private Q_SLOTS:
     void save_everyValue_comesBack()
     {
         QLocale::setDefault(QLocale(QLocale::German)); // writes 0,5
-        const QMap<QString, QString> forms{{QStringLiteral("int"), QStringLiteral("%1")},
-            {QStringLiteral("float"), QStringLiteral("%1.125")},
-            {QStringLiteral("QPoint"), QStringLiteral("(%1,-2)")},
-            {QStringLiteral("QPointF"), QStringLiteral("(%1,0.125)")},
-            {QStringLiteral("QColor"), QStringLiteral("(%1,2,3,4)")},
-            {QStringLiteral("OrvColor"), QStringLiteral("(1,2,3,%1)")},
-            {QStringLiteral("QPair<QColor,QColor>"), QStringLiteral("(1,2,3,4),(5,%1,7,8)")}};
+        const QMap<QString, QString> forms{{u"int"_s, u"%1"_s}, {u"float"_s, u"%1.125"_s},
+            {u"QPoint"_s, u"(%1,-2)"_s}, {u"QPointF"_s, u"(%1,0.125)"_s},
+            {u"QColor"_s, u"(%1,2,3,4)"_s}, {u"OrvColor"_s, u"(1,2,3,%1)"_s},
+            {u"QPair<QColor,QColor>"_s, u"(1,2,3,4),(5,%1,7,8)"_s}};
         QMap<QString, QVariant> expected;
         const auto keys = sheetKeys();
         for (auto key = keys.begin(); key != keys.end(); ++key) { // another number for each
@@ -204,9 +302,9 @@ private Q_SLOTS:
         }
         OrvNgStyle style;
         QCOMPARE(style.getSharedEdgePenWidth(),
-            expected.take(QStringLiteral("Edge/SharedEdgePenWidth")).toInt()); // never written
+            expected.take(u"Edge/SharedEdgePenWidth"_s).toInt()); // never written
         QCOMPARE(style.getSeveredEdgeColor().red(),
-            100 + keys.keys().indexOf(QStringLiteral("Edge/SeveredEdgeColor")));
+            100 + keys.keys().indexOf(u"Edge/SeveredEdgeColor"_s));
         QVERIFY(QFile::remove(m_UserPath));
         style.savePreferences();
         QCOMPARE(contents(m_UserPath), expected);
@@ -221,8 +319,8 @@ private Q_SLOTS:
         style.resetEdgeColor();
         style.resetEdgePenWidth();
         style.savePreferences();
-        QCOMPARE(contents(m_UserPath).keys().join(QLatin1Char(' ')),
-            QStringLiteral("Edge/PrefferedEdgePenWidth Edge/SharedEdgePenWidth Own/Note"));
+        QCOMPARE(contents(m_UserPath).keys().join(u' '),
+            u"Edge/PrefferedEdgePenWidth Edge/SharedEdgePenWidth Own/Note"_s);
     }
 
     void save_nothingChanged_writesNothing()
@@ -249,14 +347,14 @@ private Q_SLOTS:
         // A limit on the size of files fails a write half way, as a full disk does.
         rlimit limit{};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
-        const rlimit small{trouble == QLatin1String("disk") ? 5 : limit.rlim_cur, limit.rlim_max};
+        const rlimit small{trouble == u"disk" ? 5 : limit.rlim_cur, limit.rlim_max};
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-        if (trouble == QLatin1String("file"))
+        if (trouble == u"file")
             QVERIFY(QFile::remove(m_UserPath) && QDir().mkpath(m_UserPath));
-        if (trouble == QLatin1String("organisation"))
+        if (trouble == u"organisation")
             QCoreApplication::setOrganizationName(QString());
-        if (trouble == QLatin1String("folder"))
-            QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("/proc"));
+        if (trouble == u"folder")
+            QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, u"/proc"_s);
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
         style.savePreferences();
         setrlimit(RLIMIT_FSIZE, &limit);
@@ -264,9 +362,9 @@ private Q_SLOTS:
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Config.path());
         QCoreApplication::setOrganizationName(m_Organization);
         QCOMPARE(m_Recorder.messages().size(), 1);
-        QVERIFY(m_Recorder.messages()[0].startsWith(QLatin1String("[ !! ] ")));
+        QVERIFY(m_Recorder.messages()[0].startsWith(u"[ !! ] "_s));
         QCOMPARE(style.getEdgePenWidth(), 8);
-        if (trouble != QLatin1String("file"))
+        if (trouble != u"file")
             QCOMPARE(fileBytes(m_UserPath), old);
     }
 
@@ -279,9 +377,8 @@ private Q_SLOTS:
         style.setBypassedEdgePenWidth(11);
         style.savePreferences();
         QCOMPARE(contents(m_UserPath),
-            (QMap<QString, QVariant>{{QStringLiteral("Edge/EdgePenWidth"), QStringLiteral("7")},
-                {QStringLiteral("Edge/BypassedEdgePenWidth"), QStringLiteral("11")},
-                {QStringLiteral("Own/Note"), QStringLiteral("kept")}}));
+            (QMap<QString, QVariant>{{u"Edge/EdgePenWidth"_s, u"7"_s},
+                {u"Edge/BypassedEdgePenWidth"_s, u"11"_s}, {u"Own/Note"_s, u"kept"_s}}));
     }
 
     void save_intoMalformedFile_keepsCopy()
@@ -291,11 +388,11 @@ private Q_SLOTS:
         OrvNgStyle style;
         QCOMPARE(style.getEdgePenWidth(), 7);
         QCOMPARE(m_Recorder.messages().size(), 1);
-        QVERIFY(m_Recorder.messages()[0].startsWith(QLatin1String("[ !! ] ")));
+        QVERIFY(m_Recorder.messages()[0].startsWith(u"[ !! ] "_s));
         QVERIFY(m_Recorder.messages()[0].contains(m_UserPath));
         style.setPrefferedEdgePenWidth(9);
         style.savePreferences();
-        QCOMPARE(fileBytes(m_UserPath + QStringLiteral(".unreadable")), malformed);
+        QCOMPARE(fileBytes(m_UserPath + u".unreadable"_s), malformed);
         const OrvNgStyle reloaded;
         QCOMPARE(reloaded.getEdgePenWidth(), 7);
         QCOMPARE(reloaded.getPrefferedEdgePenWidth(), 9);
