@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
-#include <vector>
 
 namespace {
 
@@ -23,40 +22,17 @@ double distance(const QPointF& a, const QPointF& b)
     return QLineF(a, b).length();
 }
 
-/// A line or a curve of a path, with the directions (QLineF's angles) of its ends.
-struct Piece
-{
-    QLineF m_Chord;
-    double m_StartAngle = 0.0;
-    double m_EndAngle = 0.0;
-};
-
-std::vector<Piece> piecesOf(const QPainterPath& path)
-{
-    std::vector<Piece> pieces;
-    for (int i = 1; i < path.elementCount(); ++i) {
-        const QPointF from = path.elementAt(i - 1);
-        Piece piece;
-        const int last = path.elementAt(i).isCurveTo() ? i + 2 : i;
-        piece.m_Chord = QLineF(from, path.elementAt(last));
-        piece.m_StartAngle = QLineF(from, path.elementAt(i)).angle();
-        piece.m_EndAngle = QLineF(path.elementAt(last - 1), path.elementAt(last)).angle();
-        i = last;
-        pieces.push_back(piece);
-    }
-    return pieces;
-}
-
 /// Beside a side port, on a top or on a bare end.
 QPointF tipOf(Router router, const QPointF& dest)
 {
     return router == kSide || router == kFromTop ? dest - QPointF(6.0, 0.0) : dest;
 }
 
+/// In degrees; 0 where one of them is not a number.
 double angleBetween(double a, double b)
 {
     const double angle = std::abs(a - b);
-    return std::min(angle, std::abs(360.0 - angle));
+    return angle >= 0.0 ? std::min(angle, std::abs(360.0 - angle)) : 0.0;
 }
 
 /// What is wrong with a route between two ends, empty for a good one. Pieces too short to have a
@@ -84,19 +60,17 @@ QString faultOf(const OrvNgEdgeRoute& route, const QPointF& source, bool smooth)
     if (gap > 1e-6 + 1e-11 * size && toTip > kBack)
         return QStringLiteral("the path ends %1 beside the arrow's base").arg(gap);
 
-    const Piece* previous = nullptr;
-    const std::vector<Piece> pieces = piecesOf(path);
-    for (const Piece& piece : pieces) {
-        if (piece.m_Chord.length() < visible) {
-            previous = nullptr;
-            continue;
-        }
-        const double kink = previous ? angleBetween(previous->m_EndAngle, piece.m_StartAngle) : 0.0;
-        if (smooth && kink > 1e-3)
-            return QStringLiteral("a kink of %1 degrees").arg(kink);
-        previous = &piece;
+    double before = qQNaN(); // the direction (QLineF's angle) at the end of the last piece
+    for (int i = 1; i < path.elementCount(); ++i) {
+        const QPointF from = path.elementAt(i - 1);
+        const double start = QLineF(from, path.elementAt(i)).angle();
+        i += path.elementAt(i).isCurveTo() ? 2 : 0;
+        const bool isSeen = distance(from, path.elementAt(i)) >= visible;
+        if (smooth && isSeen && angleBetween(before, start) > 1e-3)
+            return QStringLiteral("a kink from %1 to %2 degrees").arg(before).arg(start);
+        before = isSeen ? QLineF(path.elementAt(i - 1), path.elementAt(i)).angle() : qQNaN();
     }
-    if (smooth && previous && angleBetween(previous->m_EndAngle, route.m_ArrowAngle) > 1e-3)
+    if (smooth && angleBetween(before, route.m_ArrowAngle) > 1e-3)
         return QStringLiteral("the arrow points elsewhere than the line");
     return {};
 }
