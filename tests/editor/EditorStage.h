@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QUndoStack>
 
+#include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgStyle.h>
 
 namespace EditorTesting {
@@ -76,18 +77,13 @@ struct Stage : EditorUser
         const NetNode& model = m_Scene->scope().nodes.at(m_Scene->indexOf(item));
         return model.isDot() ? QStringLiteral("dot") : model.name;
     }
-    OrvNgNode* backdrop(const char* name) const
+    OrvNgNode* backdrop(const QByteArray& name) const
     {
         return m_Scene->backdrops().item(backdropIndex(name));
     }
-    int backdropIndex(const char* name) const
+    int backdropIndex(const QByteArray& name) const
     {
-        const QVector<NetBackdrop>& all = m_Scene->scope().backdrops;
-        for (int i = 0; i < all.size(); ++i) {
-            if (all.at(i).name == QLatin1String(name))
-                return i;
-        }
-        return -1;
+        return indexIn(m_Scene->scope().backdrops, name);
     }
     bool isTrue() const { return lie().isEmpty(); }
     QString lie() const { return lieOf(*m_Scene); }

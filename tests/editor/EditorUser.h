@@ -6,8 +6,8 @@
 #include <QCoreApplication>
 #include <QMouseEvent>
 
-#include <OrvNodeGraph/OrvNgEdge.h>
 #include <OrvNodeGraph/OrvNgPort.h>
+#include <algorithm>
 
 namespace EditorTesting {
 
@@ -21,41 +21,35 @@ public:
     }
 
     EditorScene* scene() const { return dynamic_cast<EditorScene*>(m_View->scene()); }
-    /// -1 where there is none.
-    int index(const char* name) const
+    /// Of nodes or backdrops; -1 where there is none.
+    template <typename Item> static int indexIn(const QVector<Item>& all, const QByteArray& name)
     {
-        const QVector<NetNode>& nodes = scene()->scope().nodes;
-        for (int i = 0; i < nodes.size(); ++i) {
-            if (nodes.at(i).name == QLatin1String(name))
-                return i;
-        }
-        return -1;
+        const auto found = std::find_if(all.cbegin(), all.cend(),
+            [&name](const Item& each) { return each.name.toUtf8() == name; });
+        return found == all.cend() ? -1 : int(found - all.cbegin());
     }
-    OrvNgNode* node(const char* name) const { return scene()->node(index(name)); }
-    OrvNgPort* port(const char* nodeName, const char* name) const
+    int index(const QByteArray& name) const { return indexIn(scene()->scope().nodes, name); }
+    OrvNgNode* node(const QByteArray& name) const { return scene()->node(index(name)); }
+    OrvNgPort* port(const QByteArray& nodeName, const QByteArray& name) const
     {
         auto* item = dynamic_cast<OrvNgExtendedNode*>(node(nodeName));
-        OrvNgPort* input = item->inputPort(QLatin1String(name));
-        return input ? input : item->outputPort(QLatin1String(name));
-    }
-    OrvNgEdge* edge(const char* nodeName, const char* input) const
-    {
-        return node(nodeName)->input(QLatin1String(input));
+        OrvNgPort* input = item->inputPort(QString::fromUtf8(name));
+        return input ? input : item->outputPort(QString::fromUtf8(name));
     }
 
     // Places in the viewport
 
     QPoint at(const QPointF& scenePos) const { return m_View->mapFromScene(scenePos); }
-    QPoint atPort(const char* nodeName, const char* name) const
+    QPoint atPort(const QByteArray& nodeName, const QByteArray& name) const
     {
         return at(port(nodeName, name)->portRectMappedToScene().center());
     }
-    QPoint atHeader(const char* name) const
+    QPoint atHeader(const QByteArray& name) const
     {
         return at(node(name)->mapToScene(node(name)->nodeShapeRect().center()));
     }
     /// Of the modes of ports.
-    QPoint atButton(const char* name) const
+    QPoint atButton(const QByteArray& name) const
     {
         const QRectF header = node(name)->nodeShapeRect();
         const QPointF inside = QPointF(-1, 1) * header.height() / 2;
@@ -75,11 +69,6 @@ public:
         m_Held |= button;
         send(QEvent::MouseButtonPress, pos, button);
     }
-    void move(const QPoint& pos)
-    {
-        send(QEvent::MouseMove, pos, Qt::NoButton);
-        QCoreApplication::processEvents();
-    }
     void release(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton)
     {
         m_Held &= ~Qt::MouseButtons(button);
@@ -96,22 +85,17 @@ public:
         send(QEvent::MouseButtonDblClick, pos, Qt::LeftButton);
         release(pos);
     }
-    void moveAlong(const QVector<QPoint>& way)
+    void glide(const QPoint& from, const QPoint& to)
     {
-        for (int i = 1; i < way.size(); ++i) {
-            for (int part = 1; part <= 4; ++part) {
-                const QPoint pos = way.at(i - 1) + (way.at(i) - way.at(i - 1)) * part / 4;
-                send(QEvent::MouseMove, pos, Qt::NoButton);
-            }
-        }
+        for (int part = 1; part <= 4; ++part)
+            send(QEvent::MouseMove, from + (to - from) * part / 4, Qt::NoButton);
     }
-    void dragAlong(const QVector<QPoint>& way)
+    void drag(const QPoint& from, const QPoint& to)
     {
-        press(way.constFirst());
-        moveAlong(way);
-        release(way.constLast());
+        press(from);
+        glide(from, to);
+        release(to);
     }
-    void drag(const QPoint& from, const QPoint& to) { dragAlong({from, to}); }
     /// Pulls an edge out of a port and drops it with a second click.
     void connectPorts(const QPoint& from, const QPoint& to)
     {

@@ -1,5 +1,6 @@
 #include "editor/EditorPortColors.h"
 #include "editor/EditorStage.h"
+#include "support/Literals.h"
 #include "support/TestRows.h"
 #include "support/TestTable.h"
 
@@ -33,9 +34,7 @@ struct Desk : Stage
             isNested ? QPointF(3360, 260) : EditorScene::boundsOf(m_Scene->nodes()).center(), 1.0);
         QObject::connect(m_Scene.get(), &EditorScene::textWanted,
             [this](int backdrop, const QString& text, bool isDoc) {
-                m_Status.append(QStringLiteral("%1 %2 %3")
-                                    .arg(QString::number(backdrop),
-                                        QLatin1String(isDoc ? "doc" : "title"), text));
+                m_Status += q("%1 %2 %3").arg(backdrop).arg(q(isDoc ? "doc" : "title"), text);
             });
         flush();
     }
@@ -44,14 +43,12 @@ struct Desk : Stage
     QPoint place(const QByteArray& word) const
     {
         const QByteArrayList parts = word.split(':');
-        const char* name = parts.last().constData();
-        const QByteArrayList path = QByteArray(name).replace('>', '.').split('.');
-        const char* first = path.first().constData();
-        const char* last = path.last().constData();
+        const QByteArray& name = parts.last();
+        const QByteArrayList ends = QByteArray(name).replace('>', '.').split('.');
         if (word.contains('>'))
-            return (atPort(first, "out") + atPort(last, "in1")) / 2;
-        if (path.size() > 1)
-            return atPort(first, last) - QPoint(parts.size() > 1 ? 14 : 0, 0);
+            return (atPort(ends.first(), "out") + atPort(ends.last(), "in1")) / 2;
+        if (ends.size() > 1)
+            return atPort(ends.first(), ends.last()) - QPoint(parts.size() > 1 ? 14 : 0, 0);
         if (parts.size() == 1)
             return atHeader(name);
         const QRectF rect = backdrop(name)->sceneBoundingRect();
@@ -67,12 +64,12 @@ struct Desk : Stage
     {
         if (backdropIndex("inner") >= 0) {
             backdrop("inner")->setSelected(true);
-            edge("b", "in")->setTextVisible(true);
+            node("b")->input(q("in"))->setTextVisible(true);
             return;
         }
         node("d")->setBypassed(true);
-        edge("b", "in1")->switchToDotableMode(true);
-        edge("c", "in1")->setBypassed(true);
+        node("b")->input(q("in1"))->switchToDotableMode(true);
+        node("c")->input(q("in1"))->setBypassed(true);
     }
     /// Says in the status bar which nodes and backdrops are so.
     void tell(const std::function<bool(OrvNgNode*)>& isSo)
@@ -110,32 +107,29 @@ struct Desk : Stage
             const QPoint way(words.value(3).toInt(), words.value(4).toInt());
             return words.value(2, "by") == "by" ? from() + way : place(words.at(2));
         };
-        const auto item = [&] { return node(words.at(1).constData()); };
-        const auto frame = [&] { return backdropIndex(words.at(1).constData()); };
+        const QByteArray name = words.value(1);
+        const auto frame = [&] { return backdropIndex(name); };
         const auto text = [&] { return QString::fromUtf8(words.at(2)); };
         auto& style = OrvNgStyle::instance();
         const QMap<QByteArray, std::function<void()>> verbs{
             {"connect", [&] { connectPorts(from(), to()); }},
             {"drag", [&] { drag(from(), to()); }},
             {"press", [&] { press(to()); }},
-            {"move",
-                [&] {
-                    moveAlong({from(), to()});
-                }},
+            {"move", [&] { glide(from(), to()); }},
             {"release", [&] { release(to()); }},
             {"click", [&] { click(to()); }},
             {"cancel", [&] { press(to(), Qt::RightButton), release(to(), Qt::RightButton); }},
             {"double", [&] { doubleClick(to()); }},
             {"C", [&] { QTest::keyPress(&m_View, Qt::Key_C); }},
-            {"uncut", [&] { QTest::keyRelease(&m_View, Qt::Key_C); }},
+            {"uncut", [&] { QTest::keyRelease(&m_View, Qt::Key_C), QTest::qWait(150); }},
             {"escape", [&] { QTest::keyClick(&m_View, Qt::Key_Escape); }},
             {"lose", [&] { m_Scene->mouseGrabberItem()->ungrabMouse(); }},
             {"snap", [&] { OrvShaderNetworkManager::instance()->setSnapToGrid(true); }},
             {"dots", [&] { m_Scene->setDotMode(words.size() == 1); }},
-            {"select", [&] { item()->setSelected(true); }},
+            {"select", [&] { node(name)->setSelected(true); }},
             {"all", [&] { m_Scene->selectAll(); }},
             {"delete", [&] { m_Scene->deleteSelection(); }},
-            {"extract", [&] { m_Scene->extract(item()); }},
+            {"extract", [&] { m_Scene->extract(node(name)); }},
             {"arrange", [&] { m_Scene->arrange(); }},
             {"wrap", [&] { m_Scene->wrapSelection(); }},
             {"note", [&] { m_Scene->addNote(QPointF(3000, 600)); }},
@@ -153,11 +147,7 @@ struct Desk : Stage
                     tell([&](OrvNgNode* node) { return rect.contains(node->sceneBoundingRect()); });
                 }},
             {"shade", [&] { m_Status.append(shade(from())); }},
-            {"body",
-                [&] {
-                    m_Status.append(
-                        backdrop(words.at(1).constData())->nodeUniColour().color().name());
-                }},
+            {"body", [&] { m_Status += backdrop(name)->nodeUniColour().color().name(); }},
             {"bars", [&] { style.setBackdropNodeTitleBarColor(QColor(200, 60, 60)); }},
             {"wide", [&] { style.setMinimumBackdropNodeWidth(600); }},
         };
@@ -166,36 +156,34 @@ struct Desk : Stage
     }
 };
 
-/// "outer:xpos ypos, -a": of the elements at the top, the attributes that are new or changed, and those that
-/// are gone.
+/// Of the elements at the top: "name.attribute", and its value.
+QMap<QString, QString> attributesIn(const QByteArray& text)
+{
+    pugi::xml_document document;
+    document.load_string(text.constData());
+    QMap<QString, QString> all;
+    for (const pugi::xml_node element : document.document_element().children()) {
+        for (const pugi::xml_attribute each : element.attributes())
+            all.insert(
+                q(element.attribute("name").value()) + u'.' + q(each.name()), q(each.value()));
+    }
+    return all;
+}
+
+/// The attributes that are new or changed, and with a minus the names that are gone.
 QString changes(const QByteArray& before, const QByteArray& after)
 {
-    pugi::xml_document old, now;
-    old.load_string(before.constData());
-    now.load_string(after.constData());
-    const auto namesake = [](const pugi::xml_document& document, pugi::xml_node element) {
-        return document.document_element().find_child_by_attribute(
-            "name", element.attribute("name").value());
-    };
+    const auto old = attributesIn(before), now = attributesIn(after);
     QStringList found;
-    for (const pugi::xml_node element : old.document_element().children()) {
-        if (!namesake(now, element))
-            found.append(QLatin1Char('-') + QLatin1String(element.attribute("name").value()));
+    for (const QString& name : now.keys()) {
+        if (!old.contains(name) || old.value(name) != now.value(name))
+            found.append(name);
     }
-    for (const pugi::xml_node element : now.document_element().children()) {
-        QStringList changed;
-        for (const pugi::xml_attribute each : element.attributes()) {
-            const pugi::xml_attribute was = namesake(old, element).attribute(each.name());
-            if (!was || qstrcmp(was.value(), each.value()) != 0)
-                changed.append(QLatin1String(each.name()));
-        }
-        changed.sort();
-        if (!changed.isEmpty())
-            found.append(QLatin1String(element.attribute("name").value()) + QLatin1Char(':')
-                + changed.join(QLatin1Char(' ')));
+    for (const QString& name : old.keys()) {
+        if (!now.contains(name) && name.endsWith(q(".name")))
+            found.append(u'-' + name);
     }
-    found.sort();
-    return found.join(QLatin1String(", "));
+    return found.join(u' ');
 }
 
 } // namespace
@@ -209,8 +197,8 @@ private Q_SLOTS:
     void cleanup()
     {
         OrvShaderNetworkManager::instance()->setSnapToGrid(false);
-        OrvNgStyle::instance().setBackdropNodeTitleBarColor(m_Bar);
-        OrvNgStyle::instance().setMinimumBackdropNodeWidth(m_Width);
+        OrvNgStyle::instance().resetBackdropNodeTitleBarColor();
+        OrvNgStyle::instance().resetMinimumBackdropNodeWidth();
     }
 
     void gesture_isOneStepThereAndBack_data()
@@ -268,32 +256,30 @@ private Q_SLOTS:
                               NetReader(NetSearchPath()).read(testPath("small.mtlx")).document),
             0);
         auto* second = dynamic_cast<OrvNgExtendedNode*>(scene.node(1));
-        QCOMPARE(second->text(), QStringLiteral("second"));
-        QCOMPARE(second->category(), QStringLiteral("Math"));
-        QCOMPARE(second->inputPort(QStringLiteral("in"))->text(), QStringLiteral("Colour"));
+        const auto text = [second](const char* port) { return second->inputPort(q(port))->text(); };
+        QCOMPARE(second->text(), q("second"));
+        QCOMPARE(second->category(), q("Math"));
+        QCOMPARE(text("in"), q("Colour"));
         // Two inputs share their name for people: the folder tells which is which.
-        QCOMPARE(second->inputPort(QStringLiteral("coat"))->text(), QStringLiteral("Coat weight"));
-        QVERIFY(second->isInputPortVisible(QStringLiteral("in")));
-
-        const QString broken = second->inputPort(QStringLiteral("weight"))->text();
-        QVERIFY2(broken.contains(QStringLiteral("nobody")), qPrintable(broken));
+        QCOMPARE(text("coat"), q("Coat weight"));
+        QVERIFY(second->isInputPortVisible(q("in")));
+        QVERIFY2(text("weight").contains(q("nobody")), qPrintable(text("weight")));
 
         const QStringList clusters = second->clusteredInputPorts();
         QCOMPARE(clusters.size(), 1);
-        QCOMPARE(second->inputClusterPortName2ClusterList(clusters.constFirst()),
-            QStringList({QStringLiteral("in"), QStringLiteral("weight")}));
+        QCOMPARE(second->inputClusterPortName2ClusterList(clusters.constFirst()).join(u' '),
+            q("in weight"));
         scene.setPortListMode({second}, EditorScene::Mode::PORT_LIST_GROUPED);
         QVERIFY(second->isInputPortVisible(clusters.constFirst()));
-        QVERIFY(!second->isInputPortVisible(QStringLiteral("in")));
-        QVERIFY(second->isInputPortVisible(QStringLiteral("Base")));
+        QVERIFY(!second->isInputPortVisible(q("in")));
+        QVERIFY(second->isInputPortVisible(q("Base")));
     }
 
     void portColors_canBeToldApart()
     {
-        const QStringList types = QStringLiteral(
-            "float color3 vector3 vector2 integer boolean string filename surfaceshader BSDF "
-            "material color4 matrix44")
-                                      .split(QLatin1Char(' '));
+        const QStringList types = q("float color3 vector3 vector2 integer boolean string filename "
+                                    "surfaceshader BSDF material color4 matrix44")
+                                      .split(u' ');
         const auto apart = [](const QColor& a, const QColor& b) {
             return std::hypot(a.red() - b.red(), a.green() - b.green(), a.blue() - b.blue());
         };
@@ -310,8 +296,8 @@ private Q_SLOTS:
             }
         }
         // Two that were worked out by hand.
-        QCOMPARE(color(types.first(), true).name(), QStringLiteral("#6aa7f4"));
-        QCOMPARE(color(types.first(), false).name(), QStringLiteral("#4e75a6"));
+        QCOMPARE(color(types.first(), true).name(), q("#6aa7f4"));
+        QCOMPARE(color(types.first(), false).name(), q("#4e75a6"));
     }
 
     void style_isFollowedByItemsThatAreThere_data()
@@ -365,8 +351,6 @@ private Q_SLOTS:
     {
         const Desk first("chain"), second("nested");
         OrvNgStyle& style = OrvNgStyle::instance();
-        const QVariantList before{
-            style.property("GridLinesColor"), style.property("MathNodeColor")};
         const QSignalSpy passes(&style, &OrvNgStyle::colorsUpdated);
         for (int i = 1; i < 6; ++i) {
             style.setGridLinesColor(OrvColor(0.1F * float(i), 0.0F, 0.0F));
@@ -376,13 +360,9 @@ private Q_SLOTS:
         flush();
         QCOMPARE(passes.count(), 1); // what it derived starts no other
         QCOMPARE(style.getGridPen().color(), QColor(128, 0, 0));
-        style.setProperty("GridLinesColor", before.at(0));
-        style.setProperty("MathNodeColor", before.at(1));
+        style.resetGridLinesColor();
+        style.resetMathNodeColor();
     }
-
-private:
-    const QColor m_Bar = OrvNgStyle::instance().getBackdropNodeTitleBarColor();
-    const int m_Width = OrvNgStyle::instance().getMinimumBackdropNodeWidth();
 };
 
 QTEST_MAIN(tst_EditorEdits)

@@ -2,6 +2,7 @@
 #include "editor/EditorPreferenceRow.h"
 #include "editor/EditorPreferencesDialog.h"
 #include "editor/EditorPropertyValue.h"
+#include "support/Literals.h"
 #include "support/TestTable.h"
 
 #include <OrvCore/OrvPreferenceManager.h>
@@ -12,7 +13,6 @@
 #include <QListWidget>
 #include <QLocale>
 #include <QPoint>
-#include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -40,7 +40,7 @@ public:
     Sample()
     {
         setProperty("depth", 1.0 / 3.0);
-        setProperty("place", QStringLiteral("here"));
+        setProperty("place", u"here"_s);
         setProperty("corner", QPoint(1, 2));
         setProperty("late", 4);
         setProperty("ink", QColor(1, 2, 3));
@@ -49,9 +49,8 @@ public:
         for (const char* name :
             {"steps", "depth", "loud", "place", "corner", "fixed", "late", "ink", "paper", "sky"}) {
             const bool isColor = QByteArrayLiteral("ink paper sky").contains(name);
-            OrvPreferenceManager::instance().registerPreference(QStringLiteral("Sample"),
-                isColor ? QStringLiteral("Colors") : QStringLiteral("Rest"), this,
-                QLatin1String(name));
+            OrvPreferenceManager::instance().registerPreference(
+                u"Sample"_s, isColor ? u"Colors"_s : u"Rest"_s, this, q(name));
         }
     }
     int steps() const { return m_Steps; }
@@ -84,7 +83,7 @@ struct Dialog : EditorPreferencesDialog
     }
     EditorPreferenceRow* row(const char* property) const
     {
-        return findChild<EditorPreferenceRow*>(QString::fromLatin1(property));
+        return findChild<EditorPreferenceRow*>(q(property));
     }
     /// The index-th text field of a row, spin boxes' ones counted.
     QLineEdit* field(const char* property, int index = 0) const
@@ -99,10 +98,10 @@ struct Dialog : EditorPreferencesDialog
     void type(const char* property, QString text, int index = 0) const
     {
         QLineEdit* target = field(property, index);
-        const bool hasEnter = text.endsWith(QLatin1Char('\n'));
+        const bool hasEnter = text.endsWith(u'\n');
         target->setFocus();
         target->selectAll();
-        QTest::keyClicks(target, text.remove(QLatin1Char('\n')));
+        QTest::keyClicks(target, text.remove(u'\n'));
         if (hasEnter)
             QTest::keyClick(target, Qt::Key_Enter);
     }
@@ -118,7 +117,7 @@ class tst_EditorPreferencesDialog : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QCoreApplication::setOrganizationName(QStringLiteral("OrvTest"));
+        QCoreApplication::setOrganizationName(u"OrvTest"_s);
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_Folder.path());
     }
 
@@ -129,7 +128,7 @@ private Q_SLOTS:
         const auto color = QVariant::fromValue(OrvColor(QColor(255, 128, 0, 51)));
         const auto gradient = QVariant::fromValue(ColorPair(kSky.first, Qt::white));
         row("whole number", "steps", 0, "14\n", QVariant(14), "");
-        const QString number = QLocale().toString(2.5) + QLatin1Char('\n');
+        const QString number = QLocale().toString(2.5) + u'\n';
         row("double, of which more is kept than shown", "depth", 0, number, QVariant(2.5), "");
         row("switch", "loud", -1, " ", QVariant(true), "");
         row("second half of a point", "corner", 1, "-7\n", QVariant(QPoint(1, -7)), "");
@@ -168,7 +167,7 @@ private Q_SLOTS:
         QVERIFY(dialog.isVisible()); // Enter takes the input and no more, and a message can be read
         QVERIFY(isSame(sample.property(property), wanted.isValid() ? wanted : before));
         if (!message.isEmpty())
-            dialog.type("place", QStringLiteral("elsewhere\n"));
+            dialog.type("place", u"elsewhere\n"_s);
         QCOMPARE(dialog.message(), QString());
         QTest::keyClick(&dialog, Qt::Key_Escape);
         QVERIFY(!dialog.isVisible());
@@ -186,7 +185,7 @@ private Q_SLOTS:
         QVERIFY(colors->testOption(QColorDialog::ShowAlphaChannel));
         colors->setCurrentColor(QColor(9, 8, 7, 6));
         QCOMPARE(sample.property("ink"), QVariant(QColor(9, 8, 7, 6)));
-        QCOMPARE(field->text(), QStringLiteral("#09080706"));
+        QCOMPARE(field->text(), u"#09080706"_s);
         colors->reject();
         QCOMPARE(sample.property("ink"), QVariant(QColor(1, 2, 3)));
     }
@@ -206,9 +205,9 @@ private Q_SLOTS:
         dialog.reset("steps")->click();
         QCOMPARE(sample.steps(), 8);
         QVERIFY(dialog.reset("steps")->isHidden());
-        QCOMPARE(dialog.field("steps")->text(), QStringLiteral("8"));
+        QCOMPARE(dialog.field("steps")->text(), u"8"_s);
         auto* search = dialog.findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
-        search->setText(QStringLiteral("COLORS sky"));
+        search->setText(u"COLORS sky"_s);
         QVERIFY(!dialog.row("sky")->isHidden());
         QVERIFY(dialog.row("ink")->isHidden());
         dialog.resetPage();
@@ -226,8 +225,8 @@ private Q_SLOTS:
         Dialog dialog;
         sample.setSteps(30);
         sample.setProperty("late", 31);
-        QCOMPARE(dialog.field("steps")->text(), QStringLiteral("30"));
-        dialog.type("late", QStringLiteral("32\n"));
+        QCOMPARE(dialog.field("steps")->text(), u"30"_s);
+        dialog.type("late", u"32\n"_s);
         dialog.reject();
         QCOMPARE(sample.steps(), 30); // never edited here
         QCOMPARE(sample.property("late").toInt(), 31);
@@ -240,22 +239,22 @@ private Q_SLOTS:
         Dialog dialog;
         const auto* pages = dialog.findChild<QListWidget*>();
         QCOMPARE(pages->count(), 2);
-        dialog.type("ink", QStringLiteral("blue")); // not finished
+        dialog.type("ink", u"blue"_s); // not finished
         sample.reset();
         QCOMPARE(pages->count(), 1);
-        QCOMPARE(pages->item(0)->text(), QStringLiteral("Node Graph"));
+        QCOMPARE(pages->item(0)->text(), u"Node Graph"_s);
         QVERIFY(!dialog.row("ink"));
 
         Sample late;
-        dialog.type("place", QStringLiteral("new\n"));
-        QCOMPARE(late.property("place").toString(), QStringLiteral("new"));
+        dialog.type("place", u"new\n"_s);
+        QCOMPARE(late.property("place").toString(), u"new"_s);
     }
 
     void ok_keepsTheStyleForTheNextStart()
     {
         Dialog dialog;
-        dialog.type("MathNodeColor", QStringLiteral("#12345678"));
-        dialog.type("GridLinesWidth", QStringLiteral("5\n"));
+        dialog.type("MathNodeColor", u"#12345678"_s);
+        dialog.type("GridLinesWidth", u"5\n"_s);
         dialog.accept();
         const OrvNgStyle next;
         const auto gradient = next.property("MathNodeBrush").value<QLinearGradient>();

@@ -1,5 +1,4 @@
-#include "editor/EditorTesting.h"
-#include "editor/EditorUser.h"
+#include "editor/EditorView.h"
 #include "support/TestTable.h"
 
 #include <QGraphicsScene>
@@ -8,11 +7,8 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include <OrvNodeGraph/OrvNgBackdropNode.h>
 #include <cmath>
 #include <tuple>
-
-using namespace EditorTesting;
 
 namespace {
 
@@ -159,37 +155,6 @@ private Q_SLOTS:
         QVERIFY(m_View->hasFocus()); // tabulators stay in the graph
         press(true, true); // still down: it takes a new press
         QCOMPARE(state(), off);
-    }
-
-    void cut_begunIsFinishedWithoutTheKey()
-    {
-        QTest::keyPress(m_View, Qt::Key_C);
-        QTest::mousePress(m_View->viewport(), Qt::LeftButton, {}, {50, 50});
-        QTest::keyRelease(m_View, Qt::Key_C);
-        QTRY_VERIFY(!m_View->heldKeys());
-        QVERIFY(isCutting());
-        QTest::mouseRelease(m_View->viewport(), Qt::LeftButton, {}, {90, 50});
-        QVERIFY(!isCutting());
-    }
-
-    void band_takesBackdropsByTheTitleBar()
-    {
-        auto backdrop = std::make_unique<OrvNgBackdropNode>(nullptr);
-        m_Scene.addItem(backdrop.get());
-        backdrop->setLabel(QString());
-        backdrop->resizeNode({200, 150});
-        m_View->lookAt(backdrop->sceneBoundingRect().center(), 1);
-        const QPointF body(0, double(backdrop->titleBarHeight())); // where the title bar ends
-        const auto takes = [&](const QPointF& from, const QPointF& to) {
-            EditorUser hand(m_View);
-            hand.drag(hand.at(backdrop->mapToScene(body + from)),
-                hand.at(backdrop->mapToScene(body + to)));
-            return backdrop->isSelected();
-        };
-        QVERIFY(!takes({40, 90}, {160, 130}));
-        QVERIFY(!takes({40, 90}, {160, 190})); // across the lower border
-        QVERIFY(takes({40, 90}, {160, -4}));
-        QVERIFY(takes({-60, -80}, {300, 250})); // around all of it
     }
 
 private:

@@ -103,24 +103,14 @@ private Q_SLOTS:
                 + part + "'/>\n</materialx>");
         if (!m_Chess.isEmpty())
             write("chess.mtlx", m_Chess);
-        const QString shared = qEnvironmentVariable("ORV_SHARED_DATA");
-        m_Window = std::make_unique<EditorWindow>(
-            shared.isEmpty() ? NetSearchPath() : NetSearchPath({shared}));
-        m_Answers = new Answers(nullptr);
-        m_Window->setQuestions(std::unique_ptr<EditorQuestions>(m_Answers));
-        m_Window->resize(1500, 1000);
-        m_Window->show();
-        m_Window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_Window.get()));
-        QVERIFY(m_Window->openFile(path("graphs.mtlx")));
-        // The view scrolls while the real cursor is near its border and something is carried.
-        QCursor::setPos(m_Window->view()->mapToGlobal(m_Window->view()->rect().center()));
+        openWindow();
     }
 
     void cleanup()
     {
         m_Window.reset();
         flush();
+        resetGrid();
     }
 
     void session_isShownAndEndsInPeace_data()
@@ -148,64 +138,34 @@ private Q_SLOTS:
         QCOMPARE(noise.heard(), QStringList());
     }
 
-    void settings_keepWhatTheUserChose()
-    {
-        const auto settings = [&] {
-            return EditorSettings(
-                std::make_unique<QSettings>(path("settings.ini"), QSettings::IniFormat));
-        };
-        auto* grid = OrvShaderNetworkManager::instance();
-        const auto resetGrid = [grid] {
-            grid->setGridWidth(20), grid->setGridHeight(20), grid->setSnapToGrid(false);
-        };
-        const auto lookPastTheNodes = [](EditorWindow* window) {
-            window->view()->lookAt({4000, 0}, 1);
-            QTest::qWait(100); // the view learns where the nodes are
-            return window->view()->shouldDisplayMinimap();
-        };
-        m_Window->useSettings(settings());
-        QStringList files;
-        for (int i = 0; i < 12; ++i) {
-            const QByteArray name = "recent" + QByteArray::number(i) + ".mtlx";
-            files.prepend(write(name.constData(), kGraphs));
-            QVERIFY(m_Window->openFile(files.constFirst()));
-        }
-        QVERIFY(m_Window->openFile(files.at(3)));
-        files.move(3, 0);
-        trigger("Shake a Node to Extract It");
-        trigger("40");
-        QCOMPARE(QSize(grid->gridWidth(), grid->gridHeight()), QSize(40, 40));
-        trigger("Custom…"); // no answer
-        QCOMPARE(grid->gridWidth(), 40);
-        m_Answers->m_GridSize = 33;
-        trigger("Custom…");
-        key(q("Shift+G"));
-        trigger("Harbor");
-        QVERIFY(lookPastTheNodes(m_Window.get()));
-        key(q("M"));
-        m_Window->resize(777, 555);
-        QVERIFY(m_Window->close());
-
-        resetGrid();
-        EditorWindow next;
-        next.useSettings(settings());
-        const QSize restored(grid->gridWidth(), grid->gridHeight());
-        const bool snaps = grid->snapToGrid();
-        resetGrid(); // for the tests that follow
-        QCOMPARE(restored, QSize(33, 33));
-        QVERIFY(snaps);
-        QCOMPARE(settings().recentFiles(), QStringList(files.mid(0, 10)));
-        QVERIFY(!next.view()->isShakeDetectionEnabled());
-        QCOMPARE(next.view()->navigationScheme(), q("Harbor"));
-        QVERIFY(actionNamed(next, "Harbor")->isChecked());
-        QVERIFY(next.restorePlace());
-        QCOMPARE(next.size(), QSize(777, 555));
-        next.show();
-        QVERIFY(next.openFile(path("graphs.mtlx")));
-        QVERIFY(!lookPastTheNodes(&next));
-    }
-
 private:
+    void openWindow()
+    {
+        const QString shared = qEnvironmentVariable("ORV_SHARED_DATA");
+        m_Window = std::make_unique<EditorWindow>(
+            shared.isEmpty() ? NetSearchPath() : NetSearchPath({shared}));
+        m_Window->useSettings(settings());
+        m_Answers = new Answers(nullptr);
+        m_Window->setQuestions(std::unique_ptr<EditorQuestions>(m_Answers));
+        if (!m_Window->restorePlace())
+            m_Window->resize(1500, 1000);
+        m_Window->show();
+        m_Window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_Window.get()));
+        QVERIFY(m_Window->openFile(path("graphs.mtlx")));
+        // The view scrolls while the real cursor is near its border and something is carried.
+        QCursor::setPos(m_Window->view()->mapToGlobal(m_Window->view()->rect().center()));
+    }
+    EditorSettings settings() const
+    {
+        return EditorSettings(
+            std::make_unique<QSettings>(path("settings.ini"), QSettings::IniFormat));
+    }
+    static void resetGrid()
+    {
+        auto* grid = OrvShaderNetworkManager::instance();
+        grid->setGridWidth(20), grid->setGridHeight(20), grid->setSnapToGrid(false);
+    }
     void play(const QString& verb, const QString& rest)
     {
         EditorScene* scene = m_Window->scene();
@@ -215,7 +175,7 @@ private:
         const char* name = bytes.constData();
         const auto port = [&](int i) {
             const QByteArrayList ends = bytes.split(' ').value(i).split('.');
-            return hand.atPort(ends.first().constData(), ends.last().constData());
+            return hand.atPort(ends.first(), ends.last());
         };
         const QStringList answers = q("Save Discard Cancel").split(q(" "));
         const QMap<QString, std::function<void()>> verbs{
@@ -233,11 +193,8 @@ private:
             {q("press"), [&] { hand.press(bytes.isEmpty() ? kGround : hand.atHeader(name)); }},
             {q("release"), [&] { hand.release(kGround); }},
             {q("edge"), [&] { view->pickUpEdge(hand.atPort("outer", "out")); }},
-            {q("menu"),
-                [&] {
-                    m_Window->menuBar()->actions().first()->menu()->popup({9, 9});
-                }},
-            {q("trigger"), [&] { trigger(name); }},
+            {q("menu"), [&] { m_Window->menuBar()->actions().first()->menu()->popup(kGround); }},
+            {q("trigger"), [&] { action(rest)->trigger(); }},
             {q("dismiss"), [&] { bar()->setMessages(QString(), {}); }},
             {q("zoom"), [&] { view->lookAt(QPointF(10, 10), rest.toDouble()); }},
             {q("change"), [&] { change(); }},
@@ -248,6 +205,11 @@ private:
             {q("answer"), [&] { m_Answers->m_Unsaved = Answer(answers.indexOf(rest)); }},
             {q("overwrite"), [&] { m_Answers->m_Overwrites = true; }},
             {q("save-to"), [&] { m_Answers->m_SavePath = path(name); }},
+            {q("grid"), [&] { m_Answers->m_GridSize = rest.toInt(); }},
+            {q("size"), [&] { m_Window->resize(rest.toInt(), rest.toInt()); }},
+            {q("again"), [&] { m_Window->close(), resetGrid(), openWindow(); }},
+            {q("far"), [&] { view->lookAt(QPointF(4000, 0), 1), QTest::qWait(100); }},
+            {q("map"), [&] { m_Told += q(view->shouldDisplayMinimap() ? "yes" : "no"); }},
             {q("say"), [&] { m_Answers->m_Text = rest; }},
             {q("paint"), [&] { m_Answers->m_Color = QColor(rest); }},
             {q("write"), [&] { write(name, kTheirs); }},
@@ -269,6 +231,19 @@ private:
         } else if (verb == q("modes")) {
             for (OrvNgNode* node : scene->nodes())
                 m_Told += QString::number(dynamic_cast<OrvNgExtendedNode*>(node)->portListMode());
+        } else if (verb == q("recent")) {
+            for (int i = 0; i < rest.toInt(); ++i)
+                QVERIFY(m_Window->openFile(write(qPrintable(q("%1.mtlx").arg(i)), kGraphs)));
+        } else if (verb == q("recents")) {
+            for (const QString& file : settings().recentFiles())
+                m_Told += QFileInfo(file).baseName();
+        } else if (verb == q("chosen")) {
+            const auto* grid = OrvShaderNetworkManager::instance();
+            m_Told += q("%1x%2").arg(grid->gridWidth()).arg(grid->gridHeight());
+            m_Told += q(grid->snapToGrid() ? "snaps" : "free");
+            m_Told += q(view->isShakeDetectionEnabled() ? "shakes" : "still");
+            m_Told += view->navigationScheme() + q(action(q("Harbor"))->isChecked() ? "*" : "");
+            m_Told += q("%1x%2").arg(m_Window->width()).arg(m_Window->height());
         } else {
             QVERIFY2(verbs.contains(verb), qPrintable(verb));
             verbs.value(verb)();
@@ -281,7 +256,7 @@ private:
         QStringList parts{m_Window->isVisible()
                 ? QString(title).replace(q("[*]"), q(m_Window->isWindowModified() ? "*" : ""))
                 : q("closed")};
-        const QAction* undo = actionFor(QKeySequence(q("Ctrl+Z")));
+        const QAction* undo = action(q("Ctrl+Z"));
         if (undo->isEnabled() && m_Window->isVisible())
             parts += undo->text();
         if (bar()->isVisible())
@@ -340,31 +315,17 @@ private:
     }
     QByteArray text() const { return m_Window->navigator()->editor()->text(); }
     EditorMessageBar* bar() const { return m_Window->findChild<EditorMessageBar*>(); }
-    void key(const QString& text)
+    void key(const QString& text) { QTest::keySequence(m_Window.get(), QKeySequence(text)); }
+    /// By its text or its key.
+    QAction* action(const QString& name) const
     {
-        const int key = QKeySequence(text)[0];
-        QTest::keyClick(m_Window.get(), Qt::Key(key & ~int(Qt::KeyboardModifierMask)),
-            Qt::KeyboardModifiers(key & int(Qt::KeyboardModifierMask)));
-    }
-    void trigger(const char* action) { actionNamed(*m_Window, action)->trigger(); }
-    QAction* actionFor(const QKeySequence& key) const
-    {
-        for (QAction* action : m_Window->findChildren<QAction*>()) {
-            if (action->shortcuts().contains(key))
-                return action;
-        }
-        return nullptr;
-    }
-    static QAction* actionNamed(const EditorWindow& window, const char* text)
-    {
-        for (QAction* action : window.findChildren<QAction*>()) {
-            if (action->text().remove(QLatin1Char('&')) == q(text))
-                return action;
+        for (QAction* each : m_Window->findChildren<QAction*>()) {
+            if (each->text().remove(u'&') == name || each->shortcuts().contains(QKeySequence(name)))
+                return each;
         }
         return nullptr;
     }
     EditorUser user() const { return EditorUser(m_Window->view()); }
-    QString scopePath() const { return m_Window->scene()->scope().path; }
 
     const QByteArray m_Chess
         = contents(QDir(qEnvironmentVariable("ORV_SHARED_DATA"))
