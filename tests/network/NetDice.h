@@ -5,7 +5,6 @@
 #include <QStringList>
 
 #include <climits>
-#include <cmath>
 #include <functional>
 #include <limits>
 #include <random>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "network/NetDocument.h"
+#include "support/Literals.h"
 
 #include <QHash>
 #include <QSet>
@@ -31,11 +32,11 @@ public:
             const QSet<QString> known(there.cbegin(), there.cend());
             const auto found = std::find_if(here.cbegin(), here.cend(),
                 [&known](const QString& line) { return !known.contains(line); });
-            return found == here.cend() ? QStringLiteral("(repeated lines)") : found->left(2000);
+            return found == here.cend() ? u"(repeated lines)"_s : found->left(2000);
         };
         return model == wanted ? QString()
-                               : QStringLiteral("\nin the model  %1\nin the text   %2")
-                                     .arg(extra(model, wanted), extra(wanted, model));
+                               : u"\nin the model  %1\nin the text   %2"_s.arg(
+                                   extra(model, wanted), extra(wanted, model));
     }
 
 private:
@@ -45,11 +46,9 @@ private:
     {
         QHash<QString, int> occurrences;
         for (const NetNode& node : scope.nodes) {
-            const QString label
-                = QString::number(static_cast<int>(node.kind)) + QLatin1Char(' ') + node.name;
-            m_Labels.append(node.removed
-                    ? QStringLiteral("removed")
-                    : label + QLatin1Char('#') + QString::number(++occurrences[label]));
+            const QString label = QString::number(static_cast<int>(node.kind)) + u' ' + node.name;
+            m_Labels.append(
+                node.removed ? u"removed"_s : label + u'#' + QString::number(++occurrences[label]));
         }
         for (const NetConnection& wire : scope.connections)
             m_Used.insert({wire.sourceNode, wire.sourcePort});
@@ -66,12 +65,12 @@ private:
     {
         QString text;
         for (const auto& pair : attributes.pairs())
-            text += pair.first + QLatin1Char('=') + pair.second + QLatin1Char(' ');
+            text += pair.first + u'=' + pair.second + u' ';
         return text;
     }
     static QString texts(const NetPort& port)
     {
-        return QStringLiteral("[%1 %2 %3 %4 %5 %6] ")
+        return u"[%1 %2 %3 %4 %5 %6] "_s
             .arg(port.name, port.type, port.value, port.defaultValue, texts(port.attributes))
             .arg(int(port.listed) + 2 * int(port.defined));
     }
@@ -80,8 +79,7 @@ private:
     {
         const NetNode& box = m_Scope.nodes.at(node);
         return box.kind == NetNode::Kind::Output
-            || (box.type == QLatin1String("multioutput") && !box.definition
-                && !box.outputs.at(output).listed)
+            || (box.type == u"multioutput" && !box.definition && !box.outputs.at(output).listed)
             || (box.implied && !m_Scope.definition);
     }
     void addNode(int index)
@@ -105,9 +103,7 @@ private:
         if (node.implied && outputs.isEmpty())
             return;
         const QString place = node.hasPosition && !node.implied
-            ? QStringLiteral("%1 %2")
-                  .arg(node.position.x(), 0, 'g', 17)
-                  .arg(node.position.y(), 0, 'g', 17)
+            ? u"%1 %2"_s.arg(node.position.x(), 0, 'g', 17).arg(node.position.y(), 0, 'g', 17)
             : QString();
         add({m_Labels.at(index), node.category, node.type, node.nodeGroup,
             node.definition ? node.definition->name : QString(), place, texts(node.attributes),
@@ -118,9 +114,9 @@ private:
         QString place;
         const QRectF& rect = backdrop.rect;
         for (const qreal number : {rect.x(), rect.y(), rect.width(), rect.height()})
-            place += QString::number(number, 'g', 17) + QLatin1Char(' ');
-        add({backdrop.isNote ? QStringLiteral("note") : QStringLiteral("backdrop"), backdrop.name,
-            backdrop.title, backdrop.doc, backdrop.color, place, texts(backdrop.attributes)});
+            place += QString::number(number, 'g', 17) + u' ';
+        add({backdrop.isNote ? u"note"_s : u"backdrop"_s, backdrop.name, backdrop.title,
+            backdrop.doc, backdrop.color, place, texts(backdrop.attributes)});
     }
     void addAll()
     {
@@ -130,13 +126,13 @@ private:
         }
         for (const NetConnection& wire : m_Scope.connections) {
             add({m_Labels.at(wire.sourceNode),
-                m_Scope.nodes.at(wire.sourceNode).outputs.at(wire.sourcePort).name,
-                QStringLiteral(">"), m_Labels.at(wire.destNode),
+                m_Scope.nodes.at(wire.sourceNode).outputs.at(wire.sourcePort).name, u">"_s,
+                m_Labels.at(wire.destNode),
                 m_Scope.nodes.at(wire.destNode).inputs.at(wire.destPort).name,
                 QString::number(static_cast<int>(wire.binding))});
         }
         for (const NetOpenEnd& end : m_Scope.openEnds) {
-            add({QStringLiteral("open"), m_Labels.at(end.destNode),
+            add({u"open"_s, m_Labels.at(end.destNode),
                 m_Scope.nodes.at(end.destNode).inputs.at(end.destPort).name, end.wantedName,
                 end.wantedOutput, QString::number(static_cast<int>(end.binding)),
                 QString::number(static_cast<int>(end.reason))});
@@ -145,11 +141,11 @@ private:
             if (!backdrop.removed)
                 addBackdrop(backdrop);
         }
-        add({QStringLiteral("scope"), texts(m_Scope.attributes)});
+        add({u"scope"_s, texts(m_Scope.attributes)});
     }
     void add(const QStringList& parts)
     {
-        m_Lines->append(m_Scope.path + QLatin1String(" | ") + parts.join(QLatin1String(" | ")));
+        m_Lines->append(m_Scope.path + u" | "_s + parts.join(u" | "_s));
     }
 
     const NetScope& m_Scope;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "network/NetReader.h"
+#include "support/Literals.h"
 
 #include <QDir>
 #include <QFile>

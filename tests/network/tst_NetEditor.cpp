@@ -28,9 +28,8 @@ struct Fixture
 {
     explicit Fixture(const QByteArray& bytes = documentText())
     {
-        m_Files.write(
-            QStringLiteral("definitions.mtlx"), NetTemporaryFiles::data("definitions.mtlx"));
-        m_Path = m_Files.write(QStringLiteral("document.mtlx"), bytes);
+        m_Files.write(u"definitions.mtlx"_s, NetTemporaryFiles::data("definitions.mtlx"));
+        m_Path = m_Files.write(u"document.mtlx"_s, bytes);
         m_Editor = std::make_unique<NetEditor>(NetReader(NetSearchPath()).read(m_Path).document);
     }
     /// The change that a line asks for, "move node/a 1 2", and why it is refused. A dot goes into the graph.
@@ -66,7 +65,7 @@ struct Fixture
                 editor.moveNodes(0, {{node(1), {9, 9}}, {node(1), {number(2), number(3)}}}), {}};
         if (verb == "add") {
             NetBackdrop fresh;
-            fresh.title = QString::fromUtf8(line).section(QLatin1Char(' '), 3);
+            fresh.title = QString::fromUtf8(line).section(u' ', 3);
             fresh.isNote = words.at(2) == "note";
             fresh.rect = QRectF(-0.5, 2, 1.0 / 3, 4);
             return {editor.addBackdrop(words.at(1).toInt(), fresh), {}};
@@ -75,7 +74,7 @@ struct Fixture
         const int last = verb == "drop" ? words.value(2).toInt() : backdrop;
         const QString why = verb == "drop" ? editor.whyNotRemoveBackdrop(0, last)
                                            : editor.whyNotChangeBackdrop(0, last);
-        const QString text = QString::fromUtf8(line).section(QLatin1Char(' '), 2);
+        const QString text = QString::fromUtf8(line).section(u' ', 2);
         const QRectF rect(number(2), number(3), number(4), number(5));
         if (verb == "drop")
             return {editor.removeBackdrops(0, {backdrop, last}), why};
@@ -145,8 +144,7 @@ private Q_SLOTS:
         const auto again = NetReader(NetSearchPath()).read(fixture.m_Path, expected).document;
         QCOMPARE(NetModelText::of(editor.document()), NetModelText::of(*again));
         if (change == "remove graph/g") // what lies inside is gone as well
-            QVERIFY(!editor.whyNotMove(editor.document().indexOfScope(QStringLiteral("g")), 0)
-                         .isEmpty());
+            QVERIFY(!editor.whyNotMove(editor.document().indexOfScope(u"g"_s), 0).isEmpty());
         step->undo();
         QCOMPARE(editor.text(), original);
     }
@@ -157,7 +155,7 @@ private Q_SLOTS:
                                  "<nodegraph name=\"f\" nodedef=\"ND_one\"/></materialx>";
         Fixture fixture(bytes);
         NetEditor& editor = *fixture.m_Editor;
-        const int implied = editor.scope(1).indexOfKey(QStringLiteral("input/in"));
+        const int implied = editor.scope(1).indexOfKey(u"input/in"_s);
         editor.moveNodes(1, {{implied, {3, 4}}})->redo();
         QCOMPARE(editor.text(), bytes);
         QCOMPARE(editor.scope(1).nodes.at(implied).position, QPointF(3, 4));
@@ -180,11 +178,11 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, sentence);
         Fixture fixture;
-        QVERIFY(QDir().mkpath(fixture.m_Files.path(QStringLiteral("folder"))));
-        const QString device = fixture.m_Files.path(QStringLiteral("device"));
-        QVERIFY(QFile::link(QStringLiteral("/dev/full"), device));
+        QVERIFY(QDir().mkpath(fixture.m_Files.path(u"folder"_s)));
+        const QString device = fixture.m_Files.path(u"device"_s);
+        QVERIFY(QFile::link(u"/dev/full"_s, device));
         fixture.make("move node/last 7 8").m_Change->redo();
-        const bool given = name.isEmpty() || name.startsWith(QLatin1Char('/'));
+        const bool given = name.isEmpty() || name.startsWith(u'/');
         const QString path = given ? name : fixture.m_Files.path(name);
 
         // A limit on the size of files fails a write half way, as a full disk does.
@@ -204,14 +202,13 @@ private Q_SLOTS:
         QVERIFY(!fixture.m_Editor->changedOnDisk());
         const QStringList left
             = QFileInfo(fixture.m_Path).dir().entryList(QDir::Files | QDir::System | QDir::Hidden);
-        QCOMPARE(
-            left.join(QLatin1Char(' ')), QStringLiteral("definitions.mtlx device document.mtlx"));
+        QCOMPARE(left.join(u' '), u"definitions.mtlx device document.mtlx"_s);
     }
 
     void savedFile_keepsLinkAndPermissions()
     {
         Fixture fixture;
-        const QString link = fixture.m_Files.path(QStringLiteral("link.mtlx"));
+        const QString link = fixture.m_Files.path(u"link.mtlx"_s);
         QVERIFY(QFile::link(fixture.m_Path, link));
         QVERIFY(QFile::setPermissions(
             fixture.m_Path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeGroup));

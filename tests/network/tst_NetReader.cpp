@@ -1,5 +1,4 @@
 #include "network/NetCounts.h"
-#include "network/NetReader.h"
 #include "network/NetTemporaryFiles.h"
 #include "support/TestRows.h"
 
@@ -16,7 +15,7 @@ QString joined(const QVector<NetPort>& ports, const std::function<QString(const 
     QStringList result;
     for (const NetPort& port : ports)
         result.append(text(port));
-    return result.join(QLatin1Char(' '));
+    return result.join(u' ');
 }
 
 QString firstDefinition(const NetReadResult& result)
@@ -46,17 +45,16 @@ private Q_SLOTS:
         QFETCH(QByteArray, another);
         const NetTemporaryFiles files;
         if (main != "-")
-            files.write(QStringLiteral("main.mtlx"), main.replace("empty", ""));
+            files.write(u"main.mtlx"_s, main.replace("empty", ""));
         if (part != "-")
-            files.write(QStringLiteral("part.mtlx"), part);
-        const NetReadResult result
-            = NetReader(NetSearchPath()).read(files.path(QStringLiteral("main.mtlx")));
+            files.write(u"part.mtlx"_s, part);
+        const NetReadResult result = NetReader(NetSearchPath()).read(files.path(u"main.mtlx"_s));
         const bool opens = result.document && !result.document->documentScope().nodes.isEmpty();
         QTEST(QByteArray(opens ? "opens" : "fails"), "outcome");
         QCOMPARE(result.messages.size(), another.isEmpty() ? 1 : 2);
         for (const NetMessage& each : result.messages) {
             const char letter = "IWE"[int(each.severity)];
-            const QString told = each.toString().remove(files.path(QString()) + QLatin1Char('/'));
+            const QString told = each.toString().remove(files.path(QString()) + u'/');
             QVERIFY2(
                 (letter + QByteArray(" ") + told.toUtf8()).startsWith(message), qPrintable(told));
             message = another;
@@ -66,20 +64,18 @@ private Q_SLOTS:
     void document_isReadAsItSays()
     {
         const NetReadResult result
-            = NetReader(NetSearchPath())
-                  .read(QStringLiteral(ORV_TEST_DATA "/network/reading.mtlx"));
+            = NetReader(NetSearchPath()).read(q(ORV_TEST_DATA "/network/reading.mtlx"));
         QStringList wrong;
         int checks = 0;
         const auto check = [&](const NetAttributes& own, const char* name, const QString& found) {
             const QString said = own.value(QLatin1String(name));
             checks += said.isNull() ? 0 : 1;
             if (!said.isNull() && said != found)
-                wrong.append(said + QLatin1String(", not ") + found);
+                wrong.append(said + u", not "_s + found);
         };
         const auto name = [](const NetPort& port) { return port.name; };
-        const auto shown = [](const NetPort& port) {
-            return port.displayName() + QLatin1Char('=') + port.effectiveValue();
-        };
+        const auto shown
+            = [](const NetPort& port) { return port.displayName() + u'=' + port.effectiveValue(); };
         int connections = 0;
         for (const NetScope& scope : result.document->scopes()) {
             QVector<NetPort> implied;
@@ -95,12 +91,12 @@ private Q_SLOTS:
                     const NetConnection wire = scope.connections.value(scope.connectionTo(i, k));
                     const NetNode source = scope.nodes.value(wire.sourceNode);
                     check(node.inputs.at(k).attributes, "from",
-                        source.key + QLatin1Char('.') + source.outputs.value(wire.sourcePort).name);
+                        source.key + u'.' + source.outputs.value(wire.sourcePort).name);
                 }
             }
             check(scope.attributes, "takes", joined(implied, name));
         }
-        QCOMPARE(wrong.join(QLatin1Char(';')), QString());
+        QCOMPARE(wrong.join(u';'), QString());
         QCOMPARE(connections, 10);
         QCOMPARE(checks, 30);
     }
@@ -110,37 +106,33 @@ private Q_SLOTS:
         const NetTemporaryFiles files;
         const QByteArray definition
             = R"(<nodedef name="%1" node="n"><output name="out" type="float"/></nodedef>)";
+        files.writeDocument(u"libraries/far.mtlx"_s, QByteArray(definition).replace("%1", "far"));
         files.writeDocument(
-            QStringLiteral("libraries/far.mtlx"), QByteArray(definition).replace("%1", "far"));
-        files.writeDocument(
-            QStringLiteral("a/libraries/near.mtlx"), QByteArray(definition).replace("%1", "near"));
-        QVERIFY(QDir().mkpath(
-            files.path(QStringLiteral("a/b/libraries")))); // empty: counts for nothing
-        const QString path = files.writeDocument(
-            QStringLiteral("a/b/c/document.mtlx"), R"(<n name="x" type="float"/>)");
+            u"a/libraries/near.mtlx"_s, QByteArray(definition).replace("%1", "near"));
+        QVERIFY(QDir().mkpath(files.path(u"a/b/libraries"_s))); // empty: counts for nothing
+        const QString path
+            = files.writeDocument(u"a/b/c/document.mtlx"_s, R"(<n name="x" type="float"/>)");
         const auto found = [&](const NetSearchPath& searchPath) {
             return firstDefinition(NetReader(searchPath).read(path));
         };
-        QCOMPARE(found(NetSearchPath()), QStringLiteral("near"));
-        QCOMPARE(found(NetSearchPath({files.path(QString())})), QStringLiteral("far"));
-        QVERIFY(QFile::remove(files.path(QStringLiteral("a/libraries/near.mtlx"))));
-        QCOMPARE(found(NetSearchPath()), QStringLiteral("far"));
+        QCOMPARE(found(NetSearchPath()), u"near"_s);
+        QCOMPARE(found(NetSearchPath({files.path(QString())})), u"far"_s);
+        QVERIFY(QFile::remove(files.path(u"a/libraries/near.mtlx"_s)));
+        QCOMPARE(found(NetSearchPath()), u"far"_s);
 
-        const QString broken
-            = files.write(QStringLiteral("libraries/broken.mtlx"), "<materialx>\n<");
+        const QString broken = files.write(u"libraries/broken.mtlx"_s, "<materialx>\n<");
         const NetReadResult result = NetReader(NetSearchPath()).read(path);
-        QCOMPARE(firstDefinition(result), QStringLiteral("far"));
+        QCOMPARE(firstDefinition(result), u"far"_s);
         QCOMPARE(result.messages.size(), 1);
         QCOMPARE(result.messages.constFirst().severity, NetMessage::Severity::Info);
-        QVERIFY(
-            result.messages.constFirst().toString().startsWith(broken + QStringLiteral(":2: ")));
+        QVERIFY(result.messages.constFirst().toString().startsWith(broken + u":2: "_s));
     }
 
     // Real documents, which are no part of the project, against exact counts that two other programs took.
     void document_holdsWhatWasCounted_data()
     {
         QTest::addColumn<QJsonObject>("expected");
-        QFile file(qEnvironmentVariable("ORV_SHARED_DATA") + QLatin1String("/counts.json"));
+        QFile file(qEnvironmentVariable("ORV_SHARED_DATA") + u"/counts.json"_s);
         if (!file.open(QIODevice::ReadOnly))
             QSKIP("The folder of shared documents (ORV_SHARED_DATA) is not there.");
         const QJsonObject counts = QJsonDocument::fromJson(file.readAll()).object();
@@ -173,7 +165,7 @@ private Q_SLOTS:
                     openEnds.append(QString::number(end.line) + end.wantedName);
             }
         }
-        const auto wanted = [&](const char* key) { return expected.value(QLatin1String(key)); };
+        const auto wanted = [&](const char* key) { return expected.value(q(key)); };
         QStringList dangling;
         for (const QJsonValue& each : wanted("dangling").toArray())
             dangling.append(QString::number(each[0].toInt()) + each[2].toString());
@@ -191,9 +183,8 @@ private:
         const char* const kind = scope.parent < 0           ? "document"
             : scope.kind == NetScope::Kind::FunctionalGraph ? "functional"
                                                             : "compound";
-        const QString name = scope.parent < 0 ? QStringLiteral("(document)") : scope.name;
-        QJsonObject all{
-            {QStringLiteral("name"), name}, {QStringLiteral("kind"), QLatin1String(kind)}};
+        const QString name = scope.parent < 0 ? u"(document)"_s : scope.name;
+        QJsonObject all{{u"name"_s, name}, {u"kind"_s, q(kind)}};
         const std::pair<const char*, int> numbers[] = {{"nodes", counts.nodes},
             {"nodegraphs", counts.nodeGraphs}, {"interfaceInputs", counts.interfaceInputs},
             {"outputs", counts.outputs}, {"nodeInputs", counts.nodeInputs}, {"depth", counts.depth},
@@ -201,7 +192,7 @@ private:
             {"maxFanOut", counts.maxFanOut}, {"maxListedInputs", counts.maxListedInputs},
             {"positioned", counts.positioned}, {"backdrops", counts.backdrops}};
         for (const auto& [key, number] : numbers)
-            all.insert(QLatin1String(key), number);
+            all.insert(q(key), number);
         return all;
     }
 };
