@@ -37,7 +37,6 @@ void ScenarioStage::addFrameWords()
     word("background", [this] { frame().setNodeBackgroundColour(color(1)); });
     word("setposition", [this] { frame().setPosition(pair(1)); });
     word("setrect", [this] { frame().setRect(rect(1)); });
-    word("resizeframe", [this] { frame().resizeNode(size(1)); });
     word("refreshchildren", [this] { frame().refreshChildrenList(isOn(1)); });
     word("wrap", [this] { frame().wrapAroundSelection(rect(1), isOn(3)); });
     word("wrapnodes", [this] {

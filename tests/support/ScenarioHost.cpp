@@ -100,10 +100,7 @@ void ScenarioStage::addHostWords()
     });
     word("autoinsert", [this] { node().processAutoinsert(); });
     word("replace", [this] { node().replace(text(1).isEmpty() ? nullptr : &node(1)); });
-    word("grab", [this] {
-        node().grabMouse();
-        node().ungrabMouse();
-    });
+    word("grab", [this] { node().grabMouse(); });
     word("ungrab", [this] { node().ungrabMouse(); });
     word("hear", [this] { m_Heard[u"asked"_s].append(node().text()); });
     // Points
@@ -168,8 +165,6 @@ void ScenarioStage::addHostWords()
     word("insert", [this] { edge(1)->insertNodeIntoEdge(&node(), edge()); });
     word("setup", [this] { node().setupNodeForInsertionIntoEdge(edge(1)); });
     word("tags", [this] { node().updateInputTags(point(0), tagsFrom(1)); });
-    word("lock", [this] { node().updateInputTags(point(0), {u"_locked"_s}); });
-    word("bypass", [this] { edge()->setBypassed(true); });
     word("dotable", [this] { edge()->switchToDotableMode(isOn(1)); });
     word("textvisible", [this] { edge()->setTextVisible(isOn(1)); });
     word("label", [this] { edge()->setText(edge()->text(), text(1)); });

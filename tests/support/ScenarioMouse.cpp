@@ -62,13 +62,6 @@ void ScenarioStage::addMouseWords()
     // Out of a port, where the edge stays on the cursor
     word("pull", u"drag $1 $2, grabber = another, hover $2, click $2"_s);
     word("cancel", u"drag $1 $2, grabber = another, hover $2, click $2 right"_s);
-    word("shake", [this] {
-        QList<QPoint> way{{200, 100}};
-        for (int i = 0; i < 14; ++i)
-            way.append({i % 2 ? 180 : 240, 100});
-        drag(way);
-        release(way.last(), Qt::LeftButton);
-    });
     word("wheel", [this] { return wheel(0, whole(0)); });
     word("cursor", [this] {
         putCursor(pixel());

@@ -32,26 +32,17 @@ QStringList textsOf(const QList<OrvNgEdge*>& edges, Test test, Text text = &OrvN
     return texts;
 }
 
+/// From the top down.
 QStringList shownPorts(OrvNgExtendedNode& node, bool isIn)
 {
-    QStringList names = isIn ? node.sortedInputPoints() + node.clusteredInputPorts()
-                             : node.sortedOutputPoints() + node.clusteredOutputPorts();
-    const auto isHidden = [&](const QString& name) {
-        return !(isIn ? node.isInputPortVisible(name) : node.isOutputPortVisible(name));
-    };
-    names.erase(std::remove_if(names.begin(), names.end(), isHidden), names.end());
-    return names;
-}
-
-QStringList portsByHeight(OrvNgExtendedNode& node, bool isIn)
-{
-    QStringList names = shownPorts(node, isIn);
-    const auto height = [&](const QString& name) {
-        return (isIn ? node.inputPort(name) : node.outputPort(name))->scenePos().y();
-    };
-    std::sort(names.begin(), names.end(),
-        [&](const QString& a, const QString& b) { return height(a) < height(b); });
-    return names;
+    QMultiMap<double, QString> names;
+    for (const QString& name : isIn ? node.sortedInputPoints() + node.clusteredInputPorts()
+                                    : node.sortedOutputPoints() + node.clusteredOutputPorts()) {
+        const OrvNgPort* port = isIn ? node.inputPort(name) : node.outputPort(name);
+        if (isIn ? node.isInputPortVisible(name) : node.isOutputPortVisible(name))
+            names.insert(port->scenePos().y(), name);
+    }
+    return names.values();
 }
 
 } // namespace
@@ -146,8 +137,6 @@ void ScenarioStage::addQuestions()
     word("nextfree", [this] { return nameOf(node().getNextFreeInputEdgeOnNode()); });
     word("shown", [this] { return shownPorts(extended(), true); });
     word("shownout", [this] { return shownPorts(extended(), false); });
-    word("portorder", [this] { return portsByHeight(extended(), true); });
-    word("outportorder", [this] { return portsByHeight(extended(), false); });
     word("porttext", [this] { return port(1) ? port(1)->text() : u"none"_s; });
     word("clusterlist", [this] { return extended().inputClusterPortName2ClusterList(text(1)); });
     word("cluster", [this] { return extended().inputPort2ClusterName(text(1)); });
