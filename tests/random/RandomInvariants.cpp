@@ -2,15 +2,11 @@
 #include "OrvNodeGraph/OrvNgEdge.h"
 #include "OrvNodeGraph/OrvNgPort.h"
 #include "RandomWorld.h"
+#include "support/ScreenPicture.h"
 
-#include <QCoreApplication>
 #include <QDebug>
 #include <QGraphicsPathItem>
-#include <QImage>
-#include <QPixmap>
-#include <QScreen>
 #include <QSet>
-#include <QWindow>
 
 #include <cmath>
 
@@ -207,14 +203,6 @@ QString childrenBroken(OrvNgNode& node)
     return {};
 }
 
-QImage shown(const QGraphicsView& view)
-{
-    const QRect area(view.viewport()->mapTo(view.window(), QPoint()), view.viewport()->size());
-    return view.screen()
-        ->grabWindow(view.window()->winId(), area.x(), area.y(), area.width(), area.height())
-        .toImage();
-}
-
 /// Where only a part is painted, a few pixels at gradients and smooth borders are rounded differently.
 /// A change shows on more of them, side by side.
 bool looksSame(const QImage& a, const QImage& b)
@@ -246,10 +234,10 @@ QString pictureBroken(W& world, const QGraphicsView& view)
 {
     if (!view.isVisible() || !view.window()->isVisible())
         return {};
-    const QImage before = shown(view);
+    const QImage before = screenPicture(*view.viewport());
     view.scene()->update(); // nothing that is kept holds any more
     world.process();
-    const QImage after = shown(view);
+    const QImage after = screenPicture(*view.viewport());
     if (looksSame(before, after))
         return {};
     const QString folder = qEnvironmentVariable("ORV_RANDOM_PICTURES");
