@@ -1,7 +1,5 @@
 #include "OrvCore/OrvResourceInfo.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <cstdio>

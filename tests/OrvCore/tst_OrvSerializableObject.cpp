@@ -1,6 +1,5 @@
 #include "OrvCore/OrvSerializableObject.h"
 
-#include <QPoint>
 #include <QtTest>
 
 /// An object with one property of each kind that saving has to tell apart.

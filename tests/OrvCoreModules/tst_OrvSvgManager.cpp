@@ -3,9 +3,6 @@
 #include "OrvCore/OrvResourceInfo.h"
 #include "OrvCoreModules/OrvSvgManager.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 
 class tst_OrvSvgManager : public QObject

@@ -1,7 +1,6 @@
 // What users and hosts do to a graph in a view: tests/data/scenarios.
 #include "support/Scenario.h"
 
-#include <QDir>
 #include <QtTest>
 
 class tst_Scenarios : public QObject

@@ -1,6 +1,5 @@
 #include "support/Scenario.h"
 
-#include <QDir>
 #include <QFontDatabase>
 #include <QtTest>
 
