@@ -16,6 +16,8 @@ using ColorPair = QPair<QColor, QColor>;
 
 namespace {
 
+const QString kInSheet = u"file read-only"_s;
+
 struct GoldenRow
 {
     QString name, type, source, group;
@@ -39,27 +41,16 @@ QVector<GoldenRow> goldenRows()
     return rows;
 }
 
-/// The names of the properties of some sources ("file", "derived" …), in alphabetic order.
-QStringList propertiesFrom(const QString& sources)
+/// Of the properties of some sources ("file", "derived" …): the name, as "Group/Name" of what stands in
+/// files, and the type.
+QMap<QString, QString> propertiesFrom(const QString& sources)
 {
-    QStringList names;
+    QMap<QString, QString> types;
     for (const GoldenRow& row : goldenRows()) {
         if (sources.contains(row.source))
-            names.append(row.name);
+            types.insert((row.group == u"-" ? QString() : row.group + u'/') + row.name, row.type);
     }
-    names.sort();
-    return names;
-}
-
-/// "Group/Key" of every value of the default sheet, and its type.
-QMap<QString, QString> sheetKeys()
-{
-    QMap<QString, QString> keys;
-    for (const GoldenRow& row : goldenRows()) {
-        if (row.source == u"file" || row.source == u"read-only")
-            keys.insert(row.group + u'/' + row.name, row.type);
-    }
-    return keys;
+    return types;
 }
 
 QMap<QString, QVariant> contents(const QString& path)
@@ -169,7 +160,7 @@ private Q_SLOTS:
     void defaultSheet_holdsWhatIsDocumented()
     {
         const auto sheet = contents(q(ORV_RESOURCES "/settings/DefaultNodeGraphStyleSheet.conf"));
-        QCOMPARE(sheet.keys(), sheetKeys().keys());
+        QCOMPARE(sheet.keys(), propertiesFrom(kInSheet).keys());
         QCOMPARE(sheet.size(), 87);
         const auto rows = documented(u"["_s);
         QCOMPARE(rows.keys(), sheet.keys());
@@ -183,13 +174,14 @@ private Q_SLOTS:
     {
         OrvNgStyle style;
         const auto rows = documented(u"Brushes and pens made of them"_s);
-        QStringList expected = propertiesFrom(u"derived unset"_s);
+        QStringList expected = propertiesFrom(u"derived unset"_s).keys();
         for (const QByteArray& name : style.dynamicPropertyNames())
             expected += QString::fromLatin1(name);
         expected.sort();
         QCOMPARE(rows.keys(), expected);
 
-        for (const QString& key : propertiesFrom(u"file read-only"_s)) {
+        for (const QString& path : propertiesFrom(kInSheet).keys()) {
+            const QString key = path.section(u'/', 1);
             QHash<QString, QVariant> before;
             for (const QString& name : expected)
                 before[name] = valueOf(style, name);
@@ -207,7 +199,7 @@ private Q_SLOTS:
     void fixedValues_areThoseDocumented()
     {
         const auto rows = documented(u"Fixed values"_s);
-        QCOMPARE(rows.keys(), propertiesFrom(u"fixed"_s));
+        QCOMPARE(rows.keys(), propertiesFrom(u"fixed"_s).keys());
         for (auto row = rows.begin(); row != rows.end(); ++row) {
             const QVariant value = valueOf(OrvNgStyle::instance(), row.key());
             const auto color = value.value<QColor>();
@@ -295,7 +287,7 @@ private Q_SLOTS:
             {u"QColor"_s, u"(%1,2,3,4)"_s}, {u"OrvColor"_s, u"(1,2,3,%1)"_s},
             {u"QPair<QColor,QColor>"_s, u"(1,2,3,4),(5,%1,7,8)"_s}};
         QMap<QString, QVariant> expected;
-        const auto keys = sheetKeys();
+        const auto keys = propertiesFrom(kInSheet);
         for (auto key = keys.begin(); key != keys.end(); ++key) { // another number for each
             expected.insert(key.key(), forms[*key].arg(100 + expected.size()));
             QSettings(m_UserPath, QSettings::IniFormat).setValue(key.key(), expected[key.key()]);
