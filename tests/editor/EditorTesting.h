@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTest>
 
 /// What the editor's tests share.
 namespace EditorTesting {
@@ -75,14 +74,6 @@ inline QByteArray contents(const QString& path)
 inline QString samplePath(const char* name)
 {
     return QDir(QStringLiteral(ORV_RESOURCES "/networks")).filePath(QString::fromLatin1(name));
-}
-
-inline QString writeFile(const QDir& folder, const QString& name, const QByteArray& text)
-{
-    QFile file(folder.filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("cannot write the test's file");
-    return file.fileName();
 }
 
 /// All own samples and test documents, and all shared documents where their folder is there.

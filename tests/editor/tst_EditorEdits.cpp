@@ -9,7 +9,6 @@
 #include <QMap>
 #include <QPainter>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <pugixml.hpp>
 

@@ -16,7 +16,6 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QToolButton>
 
 #include <OrvNodeGraph/OrvNgStyle.h>

@@ -1,10 +1,9 @@
 #include "editor/EditorTesting.h"
+#include "network/NetTemporaryFiles.h"
 #include "support/TestRows.h"
 
 #include <QImage>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 
@@ -18,9 +17,8 @@ class tst_EditorProgram : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        const QDir folder(m_Folder.path());
-        writeFile(folder, QStringLiteral("torn.mtlx"), "<materialx>\n\n<add>\n</materialx>");
-        writeFile(folder, QStringLiteral("odd.mtlx"),
+        m_Files.write(QStringLiteral("torn.mtlx"), "<materialx>\n\n<add>\n</materialx>");
+        m_Files.write(QStringLiteral("odd.mtlx"),
             "<materialx>\n<odd name='a' type='float'>\n"
             "<input name='in' type='float' nodename='gone'/></odd></materialx>");
     }
@@ -96,7 +94,7 @@ private:
         }
         line.replace(QLatin1String("$wall"), samplePath("garden_wall.mtlx"));
         line.replace(QLatin1String("$patina"), samplePath("copper_patina.mtlx"));
-        m_Program.setWorkingDirectory(m_Folder.path());
+        m_Program.setWorkingDirectory(path(""));
         m_Program.setProcessEnvironment(environment);
         m_Program.start(QStringLiteral(ORV_EDITOR_PROGRAM), line.split(QLatin1Char(' ')));
     }
@@ -108,9 +106,9 @@ private:
         m_Errors = m_Program.readAllStandardError();
         m_Output = m_Program.readAllStandardOutput();
     }
-    QString path(const char* name) const { return m_Folder.filePath(QString::fromLatin1(name)); }
+    QString path(const char* name) const { return m_Files.path(QString::fromLatin1(name)); }
 
-    QTemporaryDir m_Folder;
+    NetTemporaryFiles m_Files;
     const QString m_Settings = path("config/Orv/orv-shader-editor.conf");
     QProcess m_Program;
     int m_Code = -1;

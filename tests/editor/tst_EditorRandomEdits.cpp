@@ -13,9 +13,9 @@
 #include "network/NetDice.h"
 #include "network/NetModelText.h"
 #include "network/NetRules.h"
+#include "network/NetTemporaryFiles.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
 
 #include <stdexcept>
 
@@ -36,7 +36,7 @@ class Run
 public:
     Run(const QString& file, unsigned seed, QFile* trace)
         : m_Reader(NetSearchPath({QFileInfo(file).path()}))
-        , m_Path(writeFile(QDir(m_Folder.path()), QStringLiteral("document.mtlx"), contents(file)))
+        , m_Path(m_Files.write(QStringLiteral("document.mtlx"), contents(file)))
         , m_Editor(std::make_shared<NetEditor>(m_Reader.read(m_Path).document))
         , m_Stage(m_Editor, firstShown(m_Editor->document()))
         , m_Dice(m_Editor.get(), seed)
@@ -260,7 +260,7 @@ private:
     }
 
     const Noise m_Noise;
-    QTemporaryDir m_Folder;
+    NetTemporaryFiles m_Files;
     NetReader m_Reader;
     QString m_Path;
     std::shared_ptr<NetEditor> m_Editor;

@@ -3,7 +3,6 @@
 
 #include <QGraphicsScene>
 #include <QNativeGestureEvent>
-#include <QTest>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 

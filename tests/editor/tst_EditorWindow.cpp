@@ -6,7 +6,7 @@
 #include "editor/EditorTesting.h"
 #include "editor/EditorUser.h"
 #include "editor/EditorWindow.h"
-#include "network/NetDocument.h"
+#include "network/NetTemporaryFiles.h"
 #include "support/Literals.h"
 #include "support/TestRows.h"
 
@@ -20,8 +20,6 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QSettings>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QUndoStack>
 
 #include <OrvNodeGraph/OrvNgDotableMarkerItem.h>
@@ -89,9 +87,9 @@ class tst_EditorWindow : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_Folder = std::make_unique<QTemporaryDir>();
+        m_Files = std::make_unique<NetTemporaryFiles>();
         for (const char* folder : {"gone", "away"})
-            QVERIFY(QDir(m_Folder->path()).mkdir(QLatin1String(folder)));
+            QVERIFY(QDir(path("")).mkdir(QLatin1String(folder)));
         for (const char* name : {"graphs.mtlx", "other.mtlx", "gone/kept.mtlx"})
             write(name, kGraphs);
         write("groups.mtlx", contents(testPath("small.mtlx")));
@@ -177,6 +175,7 @@ private:
             const QByteArrayList ends = bytes.split(' ').value(i).split('.');
             return hand.atPort(ends.first(), ends.last());
         };
+        const auto dialogs = m_Window->findChildren<EditorPreferencesDialog*>();
         const QStringList answers = q("Save Discard Cancel").split(q(" "));
         const QMap<QString, std::function<void()>> verbs{
             {q("select"), [&] { select(name); }},
@@ -214,11 +213,11 @@ private:
             {q("paint"), [&] { m_Answers->m_Color = QColor(rest); }},
             {q("write"), [&] { write(name, kTheirs); }},
             {q("remove"), [&] { QFile::remove(path(name)); }},
-            {q("hide"), [&] { QDir(m_Folder->path()).rename(rest, q("hidden")); }},
+            {q("hide"), [&] { QDir(path("")).rename(rest, q("hidden")); }},
             {q("disk"), [&] { m_Told += disk(contents(path(name))); }},
             {q("zoomed"), [&] { m_Told += QString::number(view->transform().m11()); }},
             {q("grabbed"), [&] { m_Told += q(scene->mouseGrabberItem() ? "yes" : "no"); }},
-            {q("dialogs"), [&] { m_Told += QString::number(dialogs().size()); }},
+            {q("dialogs"), [&] { m_Told += QString::number(dialogs.size()); }},
             {q("step"), [&] { m_Told += stack()->undoText(); }},
             {q("dots"), [&] { m_Told += q(isDotable() ? "some" : "none"); }},
         };
@@ -266,7 +265,7 @@ private:
             parts += q("asked: ") + m_Answers->m_Asked.join(q("/"));
         if (!m_Told.isEmpty())
             parts += q("told: ") + m_Told.join(q("/"));
-        return parts.join(q("; ")).remove(m_Folder->path() + q("/"));
+        return parts.join(q("; ")).remove(path("") + q("/"));
     }
     QString disk(const QByteArray& bytes) const
     {
@@ -282,10 +281,6 @@ private:
         }
         return false;
     }
-    QList<EditorPreferencesDialog*> dialogs() const
-    {
-        return m_Window->findChildren<EditorPreferencesDialog*>();
-    }
     void drop(const QString& file)
     {
         QMimeData data;
@@ -295,10 +290,10 @@ private:
         QDropEvent event(kGround, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_Window.get(), &event);
     }
-    QString path(const char* name) const { return m_Folder->filePath(q(name)); }
+    QString path(const char* name) const { return m_Files->path(q(name)); }
     QString write(const char* name, const QByteArray& text) const
     {
-        return writeFile(QDir(m_Folder->path()), q(name), text);
+        return m_Files->write(q(name), text);
     }
     void select(const char* name)
     {
@@ -331,7 +326,7 @@ private:
         = contents(QDir(qEnvironmentVariable("ORV_SHARED_DATA"))
                        .filePath(q("resources/Materials/Examples/StandardSurface/"
                                    "standard_surface_chess_set.mtlx"))); ///< or empty
-    std::unique_ptr<QTemporaryDir> m_Folder;
+    std::unique_ptr<NetTemporaryFiles> m_Files;
     std::unique_ptr<EditorWindow> m_Window;
     Answers* m_Answers = nullptr; ///< the window's
     QStringList m_Told; ///< what a session looked up
