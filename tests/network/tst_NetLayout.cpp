@@ -4,7 +4,6 @@
 #include <QMap>
 #include <QRandomGenerator>
 #include <QRectF>
-#include <QTest>
 
 #include <algorithm>
 #include <functional>
@@ -44,6 +43,8 @@ Network layered(int nodeCount, int edgeCount, quint32 seed)
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(QVector<NetLayoutEdge>)
 
 /// Properties that every layout must have, whatever Graphviz makes of the network; and how it meets the
 /// positions in files.
@@ -186,26 +187,24 @@ private Q_SLOTS:
     void looseBoxes_standBesideThePositionedOnes_data()
     {
         // Of edges, source and destination; boxes 0 and 1 are positioned.
-        const TestTable<QVector<QPoint>, qreal> row("edges", "left");
+        using Edges = QVector<NetLayoutEdge>;
+        const TestTable<Edges, qreal> row("edges", "left");
         // Positioned boxes reach from 10100 to 10500; the loose ones, 2 and 3, are 150 wide each.
-        row("consumers on the right", QVector<QPoint>{{0, 2}, {1, 3}}, 10570.0);
-        row("sources on the left", QVector<QPoint>{{2, 0}, {3, 1}}, 10100.0 - 70 - 324);
-        row("most connections decide", QVector<QPoint>{{2, 0}, {1, 3}, {1, 2}}, 10570.0);
-        row("unconnected on the right", QVector<QPoint>{}, 10570.0);
+        row("consumers on the right", Edges{{0, 2}, {1, 3}}, 10570.0);
+        row("sources on the left", Edges{{2, 0}, {3, 1}}, 10100.0 - 70 - 324);
+        row("most connections decide", Edges{{2, 0}, {1, 3}, {1, 2}}, 10570.0);
+        row("unconnected on the right", Edges{}, 10570.0);
     }
 
     void looseBoxes_standBesideThePositionedOnes()
     {
-        QFETCH(QVector<QPoint>, edges);
+        QFETCH(QVector<NetLayoutEdge>, edges);
         QFETCH(qreal, left);
         const QVector<NetPlacementItem> items{{QSizeF(200, 100), true, {10100, 40}},
             {QSizeF(200, 100), true, {10300, 90}}, {QSizeF(150, 60), false, {}},
             {QSizeF(150, 60), false, {}}};
-        QVector<NetLayoutEdge> layoutEdges;
-        for (const QPoint& edge : qAsConst(edges))
-            layoutEdges.append({edge.x(), edge.y()});
         const QVector<QPointF> corners
-            = NetPlacement::place(items, layoutEdges, NetPlacement::Unit::Pixel);
+            = NetPlacement::place(items, edges, NetPlacement::Unit::Pixel);
         QCOMPARE(corners.at(0), QPointF(10100, 40));
         QCOMPARE(corners.at(1), QPointF(10300, 90));
         QVERIFY2(std::abs(corners.at(2).x() - left) <= 2,
