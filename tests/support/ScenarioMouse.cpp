@@ -69,9 +69,8 @@ void ScenarioStage::addMouseWords()
     });
     word("leave", [=] { send(QEvent(QEvent::Leave)); });
     word("focusout", [=] {
-        const bool isPopup = text(0) == u"popup";
-        send(QFocusEvent(
-            QEvent::FocusOut, isPopup ? Qt::PopupFocusReason : Qt::ActiveWindowFocusReason));
+        send(QFocusEvent(QEvent::FocusOut,
+            text(0) == u"popup" ? Qt::PopupFocusReason : Qt::ActiveWindowFocusReason));
     });
     word("key", [this] { QTest::keyClick(&m_View, Qt::Key_Left); });
     word("menu", [this] { chooseInMenu(text(0)); });
