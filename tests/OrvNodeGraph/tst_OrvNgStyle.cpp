@@ -180,19 +180,22 @@ private Q_SLOTS:
         expected.sort();
         QCOMPARE(rows.keys(), expected);
 
+        const auto defaults = StyleValues::of(style);
+        const QMetaObject* const meta = style.metaObject();
         for (const QString& path : propertiesFrom(kInSheet).keys()) {
             const QString key = path.section(u'/', 1);
+            const auto property = meta->property(meta->indexOfProperty(qPrintable(key)));
             QHash<QString, QVariant> before;
             for (const QString& name : expected)
                 before[name] = valueOf(style, name);
-            const QVariant value = valueOf(style, key);
-            style.setProperty(key.toLatin1().constData(), otherThan(value));
+            property.write(&style, otherThan(property.read(&style)));
             Q_EMIT style.colorsUpdated();
             for (const QString& name : expected)
                 QVERIFY2((before[name] != valueOf(style, name)) == rows.value(name).contains(key),
                     qPrintable(key + u" changes "_s + name));
-            style.setProperty(key.toLatin1().constData(), value);
+            property.reset(&style);
             Q_EMIT style.colorsUpdated();
+            QCOMPARE(StyleValues::difference(style, defaults), QString());
         }
     }
 
