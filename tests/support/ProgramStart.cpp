@@ -4,9 +4,11 @@
 #include <clocale>
 #include <cstdio>
 
-/// ORV_TEST_LOCALE, say de_DE, becomes the locale of Qt and of the C library, as if the user had chosen it.
-static void setDefaultLocale()
+/// Each test program has the name by which settings are found from the start. ORV_TEST_LOCALE, say de_DE,
+/// becomes the locale of Qt and of the C library, as if the user had chosen it.
+static void startTest()
 {
+    QCoreApplication::setOrganizationName(QStringLiteral("OrvTests"));
     const QByteArray name = qgetenv("ORV_TEST_LOCALE");
     if (name.isEmpty())
         return;
@@ -14,4 +16,4 @@ static void setDefaultLocale()
     if (!std::setlocale(LC_ALL, (name + ".UTF-8").constData()))
         (void)std::fprintf(stderr, "the C library has no locale %s\n", name.constData());
 }
-Q_COREAPP_STARTUP_FUNCTION(setDefaultLocale)
+Q_COREAPP_STARTUP_FUNCTION(startTest)
