@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kTile = 64; // device pixels
 constexpr int kMostChanges = 50000; // rectangles; beyond that all counts as changed
+constexpr double kSpareReach = 2.0; // zooming out so far needs no other list
 constexpr double kPlacesPerPixel = 1024.0;
 
 /// The transform with its offset rounded, so that pictures of one scale differ by exactly what was
@@ -82,6 +83,7 @@ void OrvNgFarFrame::leave()
 {
     QObject::disconnect(m_Hearing);
     m_Scene.clear();
+    m_ConnectedViews.clear();
     m_Changed.clear();
     forget();
     forgetPicture();
@@ -93,18 +95,51 @@ bool OrvNgFarFrame::follow(QGraphicsView* view)
         return false;
     leave();
     m_Scene = view->scene();
-    m_Hearing = QObject::connect(m_Scene.data(), &QGraphicsScene::changed, view,
-        [this](const QList<QRectF>& rects) { noteChanges(rects); });
+    m_Hearing = QObject::connect(
+        m_Scene.data(), &QGraphicsScene::changed, view, [this](const QList<QRectF>& rects) {
+            noteChanges(rects);
+            connectViews(rects);
+            if (isEverything(rects))
+                updateViews();
+        });
     return true;
 }
 
+/// While somebody hears of a scene's changes, its views are told of them by the same signal. Of several views whose
+/// scene is deleted the framework forgets to disconnect every other one, and so never connects it to its next scene.
+void OrvNgFarFrame::connectViews(const QList<QRectF>& rects)
+{
+    const QList<QGraphicsView*> views = m_Scene->views();
+    if (views == m_ConnectedViews)
+        return;
+    m_ConnectedViews = views;
+    for (QGraphicsView* each : views) {
+        if (QObject::connect(m_Scene, SIGNAL(changed(QList<QRectF>)), each,
+                SLOT(updateScene(QList<QRectF>)), Qt::UniqueConnection))
+            each->updateScene(rects);
+    }
+}
+
 /// The scene's whole rectangle stands for changes whose place is not known.
+bool OrvNgFarFrame::isEverything(const QList<QRectF>& rects) const
+{
+    return rects.size() == 1 && rects.constFirst() == m_Scene->sceneRect();
+}
+
+/// That rectangle does not hold what has just left the scene, which views were told of in another way if nobody
+/// heard of the scene's changes.
+void OrvNgFarFrame::updateViews()
+{
+    const QList<QGraphicsView*> views = m_Scene->views();
+    for (QGraphicsView* each : views)
+        each->viewport()->update();
+}
+
 void OrvNgFarFrame::noteChanges(const QList<QRectF>& rects)
 {
     if (m_IsAllChanged)
         return;
-    if ((rects.size() == 1 && rects.constFirst() == m_Scene->sceneRect())
-        || m_Changed.size() + rects.size() > kMostChanges) {
+    if (isEverything(rects) || m_Changed.size() + rects.size() > kMostChanges) {
         m_IsAllChanged = true;
         m_Changed.clear();
         return;
@@ -125,7 +160,7 @@ bool OrvNgFarFrame::update(QGraphicsView* view)
     shot.m_PixelRatio = shot.m_Viewport->devicePixelRatioF();
     const Setting setting = settingOf(*view);
     const QVector<QRectF> changes = m_Changed;
-    const bool isListNew = !bringListUpToDate();
+    const bool isListNew = !bringListUpToDate(shot.m_ToView);
     const bool isPaintable = m_List.read(sceneRectOf(shot));
     const QRegion changed = isListNew ? QRegion() : changedPixels(changes, shot, setting.m_Size);
 
@@ -141,12 +176,13 @@ bool OrvNgFarFrame::update(QGraphicsView* view)
 }
 
 /// False when it had to be made anew.
-bool OrvNgFarFrame::bringListUpToDate()
+bool OrvNgFarFrame::bringListUpToDate(const QTransform& toView)
 {
+    const double reach = OrvNgFarList::kMargin / qMin(toView.m11(), toView.m22());
     const bool holds = !m_IsAllChanged && m_RollChanges == OrvNgRollCall::changes()
-        && m_List.areOthersThere(m_Scene)
+        && m_List.suffices(reach) && m_List.areOthersThere(m_Scene)
         && (m_Changed.isEmpty() || m_List.refresh(m_Scene, m_Changed));
-    if (!holds && !m_List.call(m_Scene)) {
+    if (!holds && !m_List.call(m_Scene, kSpareReach * reach)) {
         m_Pictures.clear();
         m_OverviewPictures.clear();
     }
@@ -158,7 +194,7 @@ bool OrvNgFarFrame::bringListUpToDate()
 
 bool OrvNgFarFrame::readOverview(const QImage& picture, const QTransform& toPicture)
 {
-    bringListUpToDate();
+    bringListUpToDate(toPicture);
     const QRectF area(QPointF(), QSizeF(picture.size()) / picture.devicePixelRatioF());
     return m_List.read(toPicture.inverted().mapRect(grown(area, OrvNgFarList::kMargin)));
 }

@@ -69,7 +69,10 @@ private:
     };
 
     void noteChanges(const QList<QRectF>& rects);
-    bool bringListUpToDate();
+    void connectViews(const QList<QRectF>& rects);
+    bool isEverything(const QList<QRectF>& rects) const;
+    void updateViews();
+    bool bringListUpToDate(const QTransform& toView);
     static Setting settingOf(const QGraphicsView& view);
     bool scrollTo(const QTransform& toView, QRegion& uncovered);
     void movePicture(int x, int y);
@@ -85,6 +88,8 @@ private:
 
     QPointer<QGraphicsScene> m_Scene; ///< whose changes are heard
     QMetaObject::Connection m_Hearing;
+    QList<QGraphicsView*>
+        m_ConnectedViews; ///< of the scene, when it last told a change; perhaps gone
     QVector<QRectF> m_Changed; ///< since the last update, scene coordinates
     bool m_IsAllChanged = true;
     quint64 m_RollChanges = 0; ///< OrvNgRollCall::changes() when the list was made

@@ -63,12 +63,6 @@ private:
     QVector<bool> m_Taken;
 };
 
-/// With the parts that stick out.
-QRectF boundsOfTree(const QGraphicsItem& item)
-{
-    return item.mapRectToScene(item.boundingRect() | item.childrenBoundingRect());
-}
-
 } // namespace
 
 void OrvNgFarList::clear()
@@ -80,8 +74,9 @@ void OrvNgFarList::clear()
     m_Looks.clear();
 }
 
-bool OrvNgFarList::call(QGraphicsScene* scene)
+bool OrvNgFarList::call(QGraphicsScene* scene, double reach)
 {
+    m_Reach = reach;
     m_Items.clear();
     m_Edges.clear();
     m_Known.clear();
@@ -91,7 +86,7 @@ bool OrvNgFarList::call(QGraphicsScene* scene)
     const bool keepsLooks = m_Looks.count() <= kMostLooks;
     if (!keepsLooks)
         m_Looks.clear();
-    const QVector<OrvNgRollCall::Entry> roll = OrvNgRollCall::hold(scene, kEverywhere);
+    const QVector<OrvNgRollCall::Entry> roll = OrvNgRollCall::hold(scene, kEverywhere, reach);
     m_Items.reserve(roll.size());
     int edges = 0;
     for (const OrvNgRollCall::Entry& entry : roll) {
@@ -170,12 +165,14 @@ bool OrvNgFarList::refresh(QGraphicsScene* scene, const QVector<QRectF>& changed
     return unexplained.isEmpty() || isKnown(OrvNgRollCall::hold(scene, unexplained.bounds()));
 }
 
-/// Where an item of another class lies is known among those only that overlapped it when the roll was called.
+/// Where an item of another class lies is known among those only that came within reach of it when the roll was
+/// called.
 bool OrvNgFarList::meetsAnew(const Item& item, const QRectF& before) const
 {
-    const auto isMet = [&item, &before](const Item& other) {
+    const auto isMet = [this, &item, &before](const Item& other) {
+        const QRectF near = other.m_Bounds.adjusted(-m_Reach, -m_Reach, m_Reach, m_Reach);
         return other.m_Z == item.m_Z && other.m_Item != item.m_Item
-            && other.m_Bounds.intersects(item.m_Bounds) && !other.m_Bounds.intersects(before);
+            && near.intersects(item.m_Bounds) && !near.intersects(before);
     };
     if (item.m_Kind == OrvNgRollCall::Kind::Other)
         return std::any_of(m_Items.cbegin(), m_Items.cend(), isMet);
@@ -189,7 +186,8 @@ void OrvNgFarList::reset(Item& item)
 {
     const bool isOther = item.m_Kind == OrvNgRollCall::Kind::Other;
     item.m_State = State::Unread;
-    item.m_Bounds = isOther ? boundsOfTree(*item.m_Item) : item.m_Item->sceneBoundingRect();
+    item.m_Bounds
+        = isOther ? OrvNgRollCall::boundsOfTree(*item.m_Item) : item.m_Item->sceneBoundingRect();
     if (isOther)
         read(item);
 }
@@ -226,7 +224,7 @@ void OrvNgFarList::read(Item& item)
     }
     if (item.m_State != State::Asked)
         return;
-    item.m_Bounds = boundsOfTree(*item.m_Item);
+    item.m_Bounds = OrvNgRollCall::boundsOfTree(*item.m_Item);
     if (OrvNgItemPainter::needsFramework(item.m_Item))
         item.m_State = State::Foreign;
 }

@@ -26,7 +26,11 @@ public:
 
     void clear();
     /// Makes the list anew. False when looks have got other numbers: pictures kept so far are to be dropped.
-    bool call(QGraphicsScene* scene);
+    /// reach is how far items paint beyond their bounds, scene units.
+    bool call(QGraphicsScene* scene, double reach);
+    /// False: the list has to be made anew, because what items paint reaches further than it was made for, so
+    /// that more of them meet.
+    bool suffices(double reach) const { return m_OtherPlaces.isEmpty() || reach <= m_Reach; }
     /// False: an item whose class tells nobody that it goes may have gone, so that the list has to be made anew.
     bool areOthersThere(QGraphicsScene* scene) const;
     /// The scene has changed in these rectangles. False: the list does not hold any more and has to be made
@@ -66,6 +70,7 @@ private:
     bool isKnown(const QVector<OrvNgRollCall::Entry>& roll);
 
     QVector<Item> m_Items;
+    double m_Reach = 0.0; ///< scene units
     QVector<OrvNgFarEdge> m_Edges;
     QSet<const QGraphicsItem*> m_Others; ///< of m_Items those that are neither nodes nor edges
     QVector<int> m_OtherPlaces; ///< in m_Items, of all that are of other classes, nodes included

@@ -10,6 +10,11 @@
 quint64 OrvNgRollCall::s_Changes = 0;
 QVector<OrvNgRollCall::Entry>* OrvNgRollCall::s_Roll = nullptr;
 
+QRectF OrvNgRollCall::boundsOfTree(const QGraphicsItem& item)
+{
+    return item.mapRectToScene(item.boundingRect() | item.childrenBoundingRect());
+}
+
 QRectF OrvNgRollCall::nowhere()
 {
     return QRectF(-1e18, -1e18, 1.0, 1.0);
@@ -24,7 +29,8 @@ bool OrvNgRollCall::isNoted(const QGraphicsItem* item, Kind kind)
     return true;
 }
 
-QVector<OrvNgRollCall::Entry> OrvNgRollCall::hold(QGraphicsScene* scene, const QRectF& rect)
+QVector<OrvNgRollCall::Entry> OrvNgRollCall::hold(
+    QGraphicsScene* scene, const QRectF& rect, double reach)
 {
     // Items that are new to the scene's index are filed here, with their true bounds.
     scene->items(QRectF(rect.topLeft(), QSizeF(1e-3, 1e-3)));
@@ -49,13 +55,14 @@ QVector<OrvNgRollCall::Entry> OrvNgRollCall::hold(QGraphicsScene* scene, const Q
             others.append(item);
     }
     for (QGraphicsItem* item : qAsConst(others))
-        insertOther(roll, scene, item);
+        insertOther(roll, scene, item, reach);
     return roll;
 }
 
-/// Above everything with a lower z value; among equals as the scene stacks those that overlap it, which is
-/// all that can be seen.
-void OrvNgRollCall::insertOther(QVector<Entry>& roll, QGraphicsScene* scene, QGraphicsItem* item)
+/// Above everything with a lower z value; among equals as the scene stacks those that overlap it or come within
+/// reach, which is all that can be seen.
+void OrvNgRollCall::insertOther(
+    QVector<Entry>& roll, QGraphicsScene* scene, QGraphicsItem* item, double reach)
 {
     const double z = item->zValue();
     const auto first = std::lower_bound(roll.begin(), roll.end(), z,
@@ -64,11 +71,12 @@ void OrvNgRollCall::insertOther(QVector<Entry>& roll, QGraphicsScene* scene, QGr
         [](double value, const Entry& entry) { return value < entry.m_Item->zValue(); });
     auto place = last;
     if (first != last) {
-        const QList<QGraphicsItem*> stack = scene->items(
-            item->sceneBoundingRect(), Qt::IntersectsItemBoundingRect, Qt::AscendingOrder);
+        const QRectF near = boundsOfTree(*item).adjusted(-reach, -reach, reach, reach);
+        const QList<QGraphicsItem*> stack
+            = scene->items(near, Qt::IntersectsItemBoundingRect, Qt::AscendingOrder);
         QSet<const QGraphicsItem*> above;
         for (int i = stack.size() - 1; i >= 0 && stack.at(i) != item; --i)
-            above.insert(stack.at(i));
+            above.insert(stack.at(i)->topLevelItem());
         place = std::find_if(
             first, last, [&above](const Entry& entry) { return above.contains(entry.m_Item); });
     }

@@ -28,8 +28,12 @@ public:
         Kind m_Kind = Kind::Other;
     };
 
-    /// Those whose bounds meet a rectangle of the scene; of ours maybe some more.
-    static QVector<Entry> hold(QGraphicsScene* scene, const QRectF& rect);
+    /// Those whose bounds meet a rectangle of the scene; of ours maybe some more. Where an item of another class
+    /// stands is told against those of ours with the same z value that come within reach of it, scene units.
+    static QVector<Entry> hold(QGraphicsScene* scene, const QRectF& rect, double reach = 0.0);
+
+    /// Scene coordinates, with the children that stick out.
+    static QRectF boundsOfTree(const QGraphicsItem& item);
 
     /// Asked first by boundingRect() of extended nodes (Kind::Node) and edges. True, while a roll is called,
     /// for a top-level item: it then returns nowhere().
@@ -46,7 +50,8 @@ public:
 
 private:
     static bool isNoted(const QGraphicsItem* item, Kind kind);
-    static void insertOther(QVector<Entry>& roll, QGraphicsScene* scene, QGraphicsItem* item);
+    static void insertOther(
+        QVector<Entry>& roll, QGraphicsScene* scene, QGraphicsItem* item, double reach);
 
     static quint64 s_Changes;
     static QVector<Entry>* s_Roll; ///< null while none is called
