@@ -1,5 +1,6 @@
 #include "OrvNodeGraph/OrvNgPartialUpdates.h"
 
+#include "OrvNodeGraph/OrvNgRollCall.h"
 #include "OrvNodeGraph/OrvNgView.h"
 
 #include <QEvent>
@@ -7,6 +8,15 @@
 #include <QVector>
 
 namespace {
+
+constexpr QRectF kCountable(-1e9, -1e9, 2e9, 2e9); // viewport pixels that an int holds
+
+/// The framework's rectangles of changes then mean nothing.
+bool reachesBeyondPixels(const OrvNgView& view)
+{
+    return view.scene()
+        && !kCountable.contains(view.viewportTransform().mapRect(view.scene()->sceneRect()));
+}
 
 void setUpdateMode(
     const QVector<QPointer<OrvNgView>>& views, QGraphicsView::ViewportUpdateMode mode)
@@ -50,8 +60,15 @@ bool OrvNgPartialUpdates::eventFilter(QObject* watched, QEvent* event)
     const QVector<QPointer<OrvNgView>> views = viewsThatPaintPartly(*m_Scene);
     if (views.isEmpty())
         return false;
+    // Somebody who hears of the scene's changes keeps it from telling where an item was that has left it.
+    const bool hasLeft = m_RollChanges != OrvNgRollCall::changes();
+    m_RollChanges = OrvNgRollCall::changes();
     setUpdateMode(views, QGraphicsView::BoundingRectViewportUpdate);
     watched->event(event); // may delete any of the views, and this
     setUpdateMode(views, QGraphicsView::FullViewportUpdate);
+    for (const QPointer<OrvNgView>& view : views) {
+        if (view && (hasLeft || reachesBeyondPixels(*view)))
+            view->viewport()->update();
+    }
     return true;
 }

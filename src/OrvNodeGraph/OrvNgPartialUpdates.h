@@ -28,4 +28,5 @@ private:
     static QVector<QPointer<OrvNgView>> viewsThatPaintPartly(const QGraphicsScene& scene);
 
     QPointer<QGraphicsScene> m_Scene;
+    quint64 m_RollChanges = 0; ///< OrvNgRollCall::changes() when the scene was last heard
 };

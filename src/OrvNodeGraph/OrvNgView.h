@@ -290,12 +290,14 @@ private:
     friend class OrvNgPartialUpdates;
     bool canPaintPartly() const;
     bool canMovePixels() const;
+    double gridReach() const;
     void movePixels(int dx, int dy);
     void spareWidgetBackground();
     void watchStyle();
     bool isFar(const QTransform& toView) const;
     bool isPaintingOnScreen() const;
     bool updateFarPicture();
+    void paintNear(const QPaintEvent* event);
     void paintFar(const QPaintEvent* event);
     void paintOverview(QImage* picture, const QTransform& toPicture);
     void paintSeverPath();

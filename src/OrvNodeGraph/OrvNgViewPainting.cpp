@@ -27,6 +27,7 @@ namespace {
 constexpr int kMinimapDarkening = 130; // percent
 constexpr double kSeverPathWidth = 1.0; // viewport pixels
 constexpr int kOutlineReach = 4; // viewport pixels: how far items paint beyond their bounds
+constexpr double kFarthestReach = 1e6; // viewport pixels
 
 } // namespace
 
@@ -42,6 +43,8 @@ void OrvNgView::refreshBackground()
 {
     m_Minimap->markStale();
     spareWidgetBackground();
+    viewport()
+        ->update(); // the scene's updates end where its items do while somebody hears of its changes
     if (scene())
         scene()->update();
 }
@@ -52,7 +55,7 @@ void OrvNgView::paintEvent(QPaintEvent* event)
     m_PartialUpdates->follow(scene());
     const bool far = isFar(viewportTransform());
     if (!far || !updateFarPicture())
-        QGraphicsView::paintEvent(event);
+        paintNear(event);
     else
         paintFar(event);
     if (drawingEdgeSeverPath())
@@ -108,8 +111,17 @@ bool OrvNgView::canMovePixels() const
         && !drawingEdgeSeverPath() && viewport()->children().isEmpty();
 }
 
+/// How far a grid line reaches into what lies beside it, scene units.
+double OrvNgView::gridReach() const
+{
+    const double pixel = m_OnePixelInSceneSpace;
+    const double width = OrvNgStyle::instance().getGridPen().widthF();
+    return m_GridEnabled ? 0.5 * width * qMax(1.0, pixel) + pixel : 0.0;
+}
+
 /// The base class moves the pixels and repaints what is uncovered when it is not to repaint everything. Items may
-/// paint a little beyond their bounds, so some of what has been there before is repainted as well.
+/// paint a little beyond their bounds, so some of what has been there before is repainted as well; and where a grid
+/// line crosses the border of the view, because it is drawn only while its middle is in sight.
 void OrvNgView::movePixels(int dx, int dy)
 {
     setViewportUpdateMode(QGraphicsView::MinimalViewportUpdate);
@@ -117,9 +129,12 @@ void OrvNgView::movePixels(int dx, int dy)
     setViewportUpdateMode(QGraphicsView::FullViewportUpdate);
 
     const QRect area = viewport()->rect();
-    const QRect kept = area.translated(dx, dy).adjusted(dx > 0 ? kOutlineReach : 0,
+    const QRect moved = area.translated(dx, dy).adjusted(dx > 0 ? kOutlineReach : 0,
         dy > 0 ? kOutlineReach : 0, dx < 0 ? -kOutlineReach : 0, dy < 0 ? -kOutlineReach : 0);
-    viewport()->update(QRegion(area) - kept);
+    const int reach = int(qMin(std::ceil(gridReach() / m_OnePixelInSceneSpace), kFarthestReach));
+    const int x = dx != 0 ? reach : 0;
+    const int y = dy != 0 ? reach : 0;
+    viewport()->update(QRegion(area) - (moved & area.adjusted(x, y, -x, -y)));
     if (m_MinimapShown) {
         m_MinimapPainted.translate(dx, dy);
         viewport()->update(m_MinimapPainted);
@@ -160,6 +175,17 @@ bool OrvNgView::updateFarPicture()
         m_Far->forget();
     }
     return m_Far->update(this);
+}
+
+/// Outlines reach further beyond the bounds of their items than the framework reckons with, and so into what is
+/// exposed beside them. What is painted outside of that stays clipped.
+void OrvNgView::paintNear(const QPaintEvent* event)
+{
+    QRegion reached;
+    for (const QRect& rect : event->region())
+        reached += rect.adjusted(-1, -1, 1, 1);
+    QPaintEvent widened(reached & viewport()->rect());
+    QGraphicsView::paintEvent(&widened);
 }
 
 /// The base class's paint, with the kept picture in place of the items.
@@ -264,9 +290,7 @@ void OrvNgView::drawBackground(QPainter* painter, const QRectF& rect)
         return;
     }
     const auto* network = OrvShaderNetworkManager::instance();
-    // A line just outside the exposed part reaches into it with half its width.
-    const double pixel = m_OnePixelInSceneSpace;
-    const double reach = 0.5 * style.getGridPen().widthF() * qMax(1.0, pixel) + pixel;
+    const double reach = gridReach();
     const QRectF whole = viewportInSceneCoords();
     const QRectF exposed = (rect.adjusted(-reach, -reach, reach, reach) & whole) | rect;
     m_Grid->paint(painter, exposed, QSize(network->gridWidth(), network->gridHeight()),
