@@ -176,8 +176,7 @@ bool OrvNgEdge::comeHome()
     invalidateAdjustment();
     if (drag && drag->m_IsLifted && drag->m_LiftedSource)
         setSourceNode(drag->m_LiftedSource, drag->m_LiftedPoint);
-    else
-        adjust();
+    adjust(); // also when the source takes no edges any more, because it is about to die
     setEdgeColor();
     return drag && drag->m_WasConnected && !m_SourceNode;
 }
