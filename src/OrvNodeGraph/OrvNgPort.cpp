@@ -4,6 +4,7 @@
 #include "OrvNodeGraph/OrvNgStyle.h"
 #include "OrvNodeGraph/OrvNgTextCache.h"
 
+#include <QGraphicsScene>
 #include <QPainter>
 #include <QPen>
 #include <QStyleOptionGraphicsItem>
@@ -70,6 +71,14 @@ OrvNgPort::OrvNgPort(OrvNgExtendedNode* node, const QString& /*text*/, const QSt
     setParentItem(node);
 }
 
+/// Of a widget that is deleted within a scene, the framework passes its place at the head of the scene's focus chain
+/// on to the next widget in the chain, even to one that has left the scene and whose deletion the scene then misses.
+OrvNgPort::~OrvNgPort()
+{
+    if (scene())
+        scene()->removeItem(this);
+}
+
 /// The style's colours of this moment, shared with the ports made before while they are the same.
 std::shared_ptr<const OrvNgPort::Colors> OrvNgPort::currentColors()
 {
@@ -134,6 +143,9 @@ void OrvNgPort::setVisible(bool visible)
     // take the announcement of empty bounds for a change of everything.
     if (!parentItem() || !parentItem()->flags().testFlag(ItemContainsChildrenInShape))
         prepareGeometryChange();
+    else if (
+        !visible) // while somebody hears of the scene's changes, only the node can tell where the port was
+        parentItem()->update(mapRectToParent(m_BoundsRect));
     QGraphicsWidget::setVisible(visible);
     applySizeRule(); // within a hidden node no change of the item is told
 }

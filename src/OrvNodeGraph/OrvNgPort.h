@@ -39,6 +39,7 @@ public:
     /// Subclasses end their construction with setText(text).
     OrvNgPort(OrvNgExtendedNode* node, const QString& text, const QString& name, bool boldText,
         Birth birth = Birth::Shown);
+    ~OrvNgPort() override;
 
     void setText(const QString& text);
     QString text() const { return m_Text; }
