@@ -341,7 +341,9 @@ QStringList OrvNgExtendedNode::sortedOutputPoints()
 void OrvNgExtendedNode::reorderPorts(OrvNgPortList& ports, const QStringList& names)
 {
     ports.reorder(names);
-    if (!m_LayoutPaused)
+    if (m_LayoutPaused)
+        m_GeometryPending = true;
+    else
         placePorts();
 }
 
@@ -676,7 +678,7 @@ void OrvNgExtendedNode::resizeHeader(const QSizeF& size)
     const bool gradientMoves = size.height() != m_NodeShapeRect.height();
     m_NodeShapeRect = QRectF(QPointF(0.0, 0.0), size);
     if (gradientMoves)
-        setCorrectColor();
+        setCorrectColor(); // NOLINT(clang-analyzer-optin.cplusplus.VirtualCall): a new node has its own colours
 }
 
 /// Outputs below the header, inputs below them; a node without shown ports has the margins as well.
