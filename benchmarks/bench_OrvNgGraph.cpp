@@ -28,8 +28,8 @@ constexpr int kUsageError = 2;
 /// The goals of one network size.
 struct Goal
 {
-    double m_Budget; ///< in the row's unit
-    double m_QuietFloor; ///< in the row's unit
+    double m_Budget = 0.0; ///< in the row's unit
+    double m_QuietFloor = 0.0; ///< in the row's unit
     double m_Tolerated = 0.0; ///< ratio that is let pass although it is over budget
     double budgetRatio() const { return m_Budget / m_QuietFloor; }
     double ceiling() const { return qMax(budgetRatio(), m_Tolerated); }
@@ -37,9 +37,9 @@ struct Goal
 
 struct Row
 {
-    const char* m_Name;
-    const char* m_Unit;
-    BenchFigure (BenchRows::*m_Measure)();
+    const char* m_Name = nullptr;
+    const char* m_Unit = nullptr;
+    BenchFigure (BenchRows::*m_Measure)() = nullptr;
     Goal m_Small;
     Goal m_Large;
 
@@ -142,7 +142,7 @@ void printLine(const QStringList& cells)
         qPrintable(cells.at(1)), qPrintable(cells.at(2)), qPrintable(cells.at(3)),
         qPrintable(cells.at(4)), qPrintable(cells.at(5)), qPrintable(cells.at(6)),
         qPrintable(cells.at(7)));
-    std::fflush(stdout); // a row takes seconds
+    static_cast<void>(std::fflush(stdout)); // a row takes seconds
 }
 
 struct Options
@@ -155,7 +155,7 @@ struct Options
 
 void writeCsvLine(QTextStream* csv, int nodeCount, const QStringList& cells)
 {
-    QString name = cells.first();
+    const QString& name = cells.first();
     *csv << nodeCount << ",\"" << name << "\"," << cells.mid(1, 6).join(QLatin1Char(',')) << ",\""
          << cells.last() << "\"\n";
 }
@@ -183,14 +183,15 @@ bool runTable(int nodeCount, const Options& options, QTextStream* csv)
 
 int usageError(const QString& text)
 {
-    std::fprintf(stderr, "%s\n", qPrintable(text));
+    static_cast<void>(std::fprintf(stderr, "%s\n", qPrintable(text)));
     return kUsageError;
 }
 
 bool readNodeCounts(const QString& text, QVector<int>* counts)
 {
     bool isNumber = true;
-    for (const QString& each : text.split(QLatin1Char(','))) {
+    const QStringList parts = text.split(QLatin1Char(','));
+    for (const QString& each : parts) {
         counts->append(each.toInt(&isNumber));
         if (!isNumber || counts->last() < 4)
             return false;
