@@ -88,8 +88,7 @@ private:
 
     QPointer<QGraphicsScene> m_Scene; ///< whose changes are heard
     QMetaObject::Connection m_Hearing;
-    QList<QGraphicsView*>
-        m_ConnectedViews; ///< of the scene, when it last told a change; perhaps gone
+    QList<QGraphicsView*> m_ConnectedViews; ///< at the scene's last change; perhaps gone
     QVector<QRectF> m_Changed; ///< since the last update, scene coordinates
     bool m_IsAllChanged = true;
     quint64 m_RollChanges = 0; ///< OrvNgRollCall::changes() when the list was made

@@ -140,11 +140,11 @@ void OrvNgPort::setVisible(bool visible)
     if (visible == isShown())
         return;
     // Within a node that holds its parts the scene knows no bounds of a port. A scene without views would
-    // take the announcement of empty bounds for a change of everything.
+    // take the announcement of empty bounds for a change of everything. But while somebody hears of the scene's
+    // changes, only the node can tell where a hidden port was.
     if (!parentItem() || !parentItem()->flags().testFlag(ItemContainsChildrenInShape))
         prepareGeometryChange();
-    else if (
-        !visible) // while somebody hears of the scene's changes, only the node can tell where the port was
+    else if (!visible)
         parentItem()->update(mapRectToParent(m_BoundsRect));
     QGraphicsWidget::setVisible(visible);
     applySizeRule(); // within a hidden node no change of the item is told
