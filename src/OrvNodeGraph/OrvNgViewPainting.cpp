@@ -43,8 +43,8 @@ void OrvNgView::refreshBackground()
 {
     m_Minimap->markStale();
     spareWidgetBackground();
-    viewport()
-        ->update(); // the scene's updates end where its items do while somebody hears of its changes
+    // The scene's updates end where its items do while somebody hears of its changes.
+    viewport()->update();
     if (scene())
         scene()->update();
 }
