@@ -43,8 +43,11 @@ NetPort definedPort(const NetXmlFile& file, pugi::xml_node element)
 QVector<NetPort> definedPorts(const NetXmlFile& file, pugi::xml_node element, const char* tag)
 {
     QVector<NetPort> ports;
-    for (const pugi::xml_node child : element.children(tag))
-        ports.append(definedPort(file, child));
+    for (const pugi::xml_node child : element.children(tag)) {
+        NetPort port = definedPort(file, child);
+        if (NetDefinition::indexOf(ports, port.name) < 0) // of two, the first one counts
+            ports.append(std::move(port));
+    }
     return ports;
 }
 
