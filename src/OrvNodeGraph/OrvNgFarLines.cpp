@@ -109,7 +109,7 @@ void OrvNgFarLines::drawThin(const QVector<QPointF>& points, const QColor& color
 }
 
 /// Walks along the longer axis; at each pixel's middle the light is shared between the two pixels nearest
-/// across. The pixel at the end belongs to the next line of the chain.
+/// across, in steps of 1/256. The pixel at the end belongs to the next line of the chain.
 void OrvNgFarLines::drawLine(const QPointF& from, const QPointF& to, const QRect& clip)
 {
     const QPointF way = to - from;
@@ -122,35 +122,36 @@ void OrvNgFarLines::drawLine(const QPointF& from, const QPointF& to, const QRect
     if (!(length > 0.0))
         return;
     const double slope = across(way) / along(way);
-    const double share = std::sqrt(1.0 + slope * slope); // a slanted line cuts more of a column
     const int firstInClip = isSteep ? clip.top() : clip.left();
     const int lastInClip = isSteep ? clip.bottom() : clip.right();
-    const int lowest = isSteep ? clip.left() : clip.top();
-    const int highest = isSteep ? clip.right() : clip.bottom();
+    const int firstRow = isSteep ? clip.left() : clip.top();
+    const int rows = isSteep ? clip.width() : clip.height();
     const double begin = qMax(std::ceil(along(low) - 0.5), double(firstInClip));
     const double end = qMin(std::ceil(along(low) + length - 0.5) - 1.0, double(lastInClip));
     if (!(begin <= end))
         return;
+    const int alongStep = isSteep ? m_Stride : 1;
+    const int acrossStep = isSteep ? 1 : m_Stride;
+    const auto light
+        = quint32(256.0 * std::sqrt(1.0 + slope * slope)); // a slanted line cuts more of a column
     const double first = across(low) + (begin + 0.5 - along(low)) * slope - 0.5;
     for (int i = int(begin); i <= int(end); ++i) {
-        const double place = first + (i - int(begin)) * slope;
-        if (!(place >= lowest - 1.0 && place <= highest + 1.0))
+        const double place = first + (i - int(begin)) * slope - firstRow + 1.0;
+        if (!(place >= 0.0 && place <= rows + 1.0))
             continue;
-        const double lower = std::floor(place);
-        const double upperShare = place - lower;
-        const int pixel = int(lower);
-        if (pixel >= lowest && pixel <= highest)
-            isSteep ? blend(pixel, i, share * (1.0 - upperShare))
-                    : blend(i, pixel, share * (1.0 - upperShare));
-        if (pixel + 1 >= lowest && pixel + 1 <= highest)
-            isSteep ? blend(pixel + 1, i, share * upperShare)
-                    : blend(i, pixel + 1, share * upperShare);
+        const int steps = int(place * 256.0);
+        const int row = (steps >> 8) - 1; // of the clip; one before and one behind it may share their light
+        const int pixel = i * alongStep + (firstRow + row) * acrossStep;
+        const quint32 lightBelow = light * quint32(steps & 255) >> 8;
+        if (row >= 0 && row < rows)
+            blend(m_Pixels[pixel], light - lightBelow);
+        if (row + 1 < rows)
+            blend(m_Pixels[pixel + acrossStep], lightBelow);
     }
 }
 
-void OrvNgFarLines::blend(int x, int y, double share)
+void OrvNgFarLines::blend(quint32& pixel, quint32 light) const
 {
-    quint32& pixel = m_Pixels[y * m_Stride + x];
-    const quint32 color = scaled(m_Color, qMin(256U, quint32(share * 256.0)));
+    const quint32 color = scaled(m_Color, qMin(256U, light));
     pixel = color + scaled(pixel, 256U - (color >> 24));
 }

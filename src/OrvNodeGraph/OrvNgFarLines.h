@@ -32,7 +32,7 @@ private:
     void drawArrow(const OrvNgFarEdge& edge);
     void drawThin(const QVector<QPointF>& points, const QColor& color);
     void drawLine(const QPointF& from, const QPointF& to, const QRect& clip);
-    void blend(int x, int y, double share);
+    void blend(quint32& pixel, quint32 light) const; ///< light in 1/256
 
     QPainter* const m_Painter;
     quint32* const m_Pixels;

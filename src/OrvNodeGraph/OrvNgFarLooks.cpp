@@ -41,6 +41,7 @@ void appendCurve(QVector<QPointF>& points, const QPointF& c1, const QPointF& c2,
         = QLineF(start, c1).length() + QLineF(c1, c2).length() + QLineF(c2, end).length();
     const int lines = int(
         std::ceil(qBound(1.0, std::sqrt(length) * kLinesPerRoot, double(kMostLinesPerCurve))));
+    points.reserve(points.size() + lines);
     for (int i = 1; i <= lines; ++i) {
         const double t = double(i) / lines;
         const double u = 1.0 - t;

@@ -150,6 +150,15 @@ void OrvNgPort::setVisible(bool visible)
     applySizeRule(); // within a hidden node no change of the item is told
 }
 
+/// The base class repaints itself when the window becomes active and when it ceases to be, which a port does
+/// not show.
+bool OrvNgPort::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate)
+        return true;
+    return QGraphicsWidget::event(event);
+}
+
 QVariant OrvNgPort::itemChange(GraphicsItemChange change, const QVariant& value)
 {
     // Whoever shows or hides the port as a plain item gets the room right as well.

@@ -93,6 +93,7 @@ protected:
     /// Null while the node is being taken apart.
     OrvNgExtendedNode* node() const;
 
+    bool event(QEvent* event) override;
     QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
 
 private:

@@ -380,6 +380,21 @@ private Q_SLOTS:
         QCOMPARE(stage.m_View.viewportUpdateMode(), QGraphicsView::FullViewportUpdate);
     }
 
+    void windowThatBecomesActiveOrNot_repaintsNothing()
+    {
+        for (const bool isFar : {false, true}) {
+            Stage stage(isFar);
+            QVERIFY(stage.m_Scene.isActive());
+            for (const auto type : {QEvent::WindowDeactivate, QEvent::WindowActivate}) {
+                stage.m_View.m_Painted = QRegion();
+                QEvent event(type);
+                QCoreApplication::sendEvent(&stage.m_Scene, &event);
+                stage.settle();
+                QCOMPARE(stage.m_View.m_Painted, QRegion());
+            }
+        }
+    }
+
     /// Where solid things overlap far away, the one on top is the one that the framework puts there.
     void stacking_data()
     {
