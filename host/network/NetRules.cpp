@@ -71,6 +71,8 @@ QString NetRules::whyNotAdd(int scope) const
     if (!reason.isEmpty())
         return reason;
     const NetScope& network = m_Document.scopes().at(scope);
+    if (network.isCut)
+        return tr("\"%1\" is nested too deeply to be changed.").arg(network.name);
     return network.fileIndex > 0 ? included(network.name) : QString();
 }
 

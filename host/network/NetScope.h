@@ -79,6 +79,7 @@ public:
     QVector<NetConnection> connections; ///< by position of the destination
     QVector<NetOpenEnd> openEnds; ///< by position of the destination
     QVector<NetBackdrop> backdrops;
+    bool isCut = false; ///< nested too deeply: what is inside was not read, and nothing can be added
     bool inPixels = false; ///< unit of all file positions inside, decided once, when it was read
     int fileIndex = 0;
     int line = 0;

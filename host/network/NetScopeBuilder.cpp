@@ -311,6 +311,15 @@ QStringList NetScopeBuilder::definitionsOf(pugi::xml_node graph) const
     return m_Implementations.value(NetXmlFile::attribute(graph, "name"));
 }
 
+/// How many scopes there are around this one. Names tell nothing: they may hold any sign.
+int NetScopeBuilder::levelOf(int scopeIndex) const
+{
+    int level = 0;
+    for (int i = m_Scopes.at(scopeIndex).parent; i >= 0; i = m_Scopes.at(i).parent)
+        ++level;
+    return level;
+}
+
 void NetScopeBuilder::addGraph(
     int scopeIndex, pugi::xml_node element, int fileIndex, const QString& nameSpace)
 {
@@ -334,13 +343,17 @@ void NetScopeBuilder::addGraph(
     box.definition = inner.definition;
     if (inner.definition)
         box.nodeGroup = inner.definition->nodeGroup;
+    inner.isCut = levelOf(scopeIndex) >= kMaxNesting;
+    if (inner.isCut && element.first_child()) {
+        m_Messages->append({NetMessage::Severity::Warning, file(fileIndex).path(), inner.line,
+            tr("\"%1\" is nested too deeply; what is in it is not shown.").arg(inner.name)});
+    }
     const QString innerNameSpace = inner.nameSpace;
-    const int depth = inner.path.count(QLatin1Char('/'));
     append(scopeIndex, std::move(box), nameSpace);
     m_Scopes.append(std::move(inner));
-    if (depth >= kMaxNesting)
-        return;
     const int index = m_Scopes.size() - 1;
+    if (m_Scopes.at(index).isCut)
+        return;
     for (const pugi::xml_node child : element.children()) {
         if (child.type() == pugi::node_element)
             addElement(index, child, fileIndex, innerNameSpace);

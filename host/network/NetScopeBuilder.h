@@ -52,6 +52,7 @@ private:
         pugi::xml_node element, NetScope::Kind around, int fileIndex, NetNode::Kind kind) const;
     void resolve(NetNode* node, pugi::xml_node element, const QString& nameSpace);
     QStringList definitionsOf(pugi::xml_node graph) const;
+    int levelOf(int scopeIndex) const;
     void reportUnresolved();
 
     struct Unresolved

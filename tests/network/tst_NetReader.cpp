@@ -1,4 +1,5 @@
 #include "network/NetCounts.h"
+#include "network/NetEditor.h"
 #include "network/NetTemporaryFiles.h"
 #include "support/TestRows.h"
 
@@ -59,6 +60,23 @@ private Q_SLOTS:
                 (letter + QByteArray(" ") + told.toUtf8()).startsWith(message), qPrintable(told));
             message = another;
         }
+    }
+
+    void graphsNestedTooDeeply_areReportedAndStayAsTheyAre()
+    {
+        const QByteArray graphs = QByteArray("<nodegraph name=\"g\">").repeated(66)
+            + QByteArray("</nodegraph>").repeated(66);
+        const NetReadResult result = NetReader(NetSearchPath())
+                                         .read(u"/nowhere/document.mtlx"_s,
+                                             "<materialx>" + graphs + "</materialx>");
+        QCOMPARE(result.messages.size(), 1);
+        QVERIFY(result.messages.constFirst().text.contains(u"nested too deeply"_s));
+        QCOMPARE(result.document->scopes().size(), 66);
+        NetEditor editor(result.document);
+        NetBackdrop backdrop;
+        backdrop.rect = QRectF(0, 0, 1, 1);
+        QVERIFY(editor.addBackdrop(64, backdrop));
+        QVERIFY(!editor.addBackdrop(65, backdrop));
     }
 
     void document_isReadAsItSays()
