@@ -27,26 +27,17 @@ bool isTrue(const QString& text)
     return text == QLatin1String("true");
 }
 
-NetPort definedPort(const NetXmlFile& file, pugi::xml_node element)
-{
-    NetPort port = file.port(element);
-    port.defaultValue = port.value;
-    port.value.clear();
-    port.definitionAttributes = port.attributes;
-    port.attributes = {};
-    port.listed = false;
-    port.defined = true;
-    port.line = 0;
-    return port;
-}
-
 QVector<NetPort> definedPorts(const NetXmlFile& file, pugi::xml_node element, const char* tag)
 {
-    QVector<NetPort> ports;
-    for (const pugi::xml_node child : element.children(tag)) {
-        NetPort port = definedPort(file, child);
-        if (NetDefinition::indexOf(ports, port.name) < 0) // of two, the first one counts
-            ports.append(std::move(port));
+    QVector<NetPort> ports = file.ports(element, tag);
+    for (NetPort& port : ports) {
+        port.defaultValue = port.value;
+        port.value.clear();
+        port.definitionAttributes = port.attributes;
+        port.attributes = {};
+        port.listed = false;
+        port.defined = true;
+        port.line = 0;
     }
     return ports;
 }

@@ -36,17 +36,6 @@ bool number(const NetAttributes& attributes, const char* name, double* target)
     return true;
 }
 
-QVector<NetPort> listedPorts(const NetXmlFile& file, pugi::xml_node element, const char* tag)
-{
-    QVector<NetPort> ports;
-    for (const pugi::xml_node child : element.children(tag)) {
-        NetPort port = file.port(child);
-        if (NetDefinition::indexOf(ports, port.name) < 0) // of two, the first one counts
-            ports.append(std::move(port));
-    }
-    return ports;
-}
-
 // The definition's ports in its order, listed ones in their place; behind them the listed ones that
 // it lacks.
 QVector<NetPort> merged(const QVector<NetPort>& defined, const QVector<NetPort>& listed)
@@ -177,8 +166,8 @@ NetNode NetScopeBuilder::read(
         return scopePort(element, around, fileIndex, NetNode::Kind::Output);
     const bool graph = qstrcmp(tag, "nodegraph") == 0;
     NetNode node = nodeFrom(element, fileIndex, graph ? NetNode::Kind::Graph : NetNode::Kind::Node);
-    node.inputs = listedPorts(file(fileIndex), element, "input");
-    node.outputs = listedPorts(file(fileIndex), element, "output");
+    node.inputs = file(fileIndex).ports(element, "input");
+    node.outputs = file(fileIndex).ports(element, "output");
     if (!graph)
         resolve(&node, element, nameSpace);
     return node;

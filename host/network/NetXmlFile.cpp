@@ -1,5 +1,7 @@
 #include "network/NetXmlFile.h"
 
+#include "network/NetDefinition.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -142,4 +144,15 @@ NetPort NetXmlFile::port(pugi::xml_node element) const
     port.listed = true;
     port.line = line(element);
     return port;
+}
+
+QVector<NetPort> NetXmlFile::ports(pugi::xml_node element, const char* tag) const
+{
+    QVector<NetPort> ports;
+    for (const pugi::xml_node child : element.children(tag)) {
+        NetPort own = port(child);
+        if (NetDefinition::indexOf(ports, own.name) < 0)
+            ports.append(std::move(own));
+    }
+    return ports;
 }

@@ -4,6 +4,7 @@
 #include "network/NetPort.h"
 
 #include <QByteArray>
+#include <QVector>
 
 #include <pugixml.hpp>
 
@@ -44,6 +45,8 @@ public:
     static NetAttributes attributes(pugi::xml_node element);
     /// The port that an input or output element describes, as listed.
     NetPort port(pugi::xml_node element) const;
+    /// Of the element's children with that tag; of two of one name only the first, which alone counts.
+    QVector<NetPort> ports(pugi::xml_node element, const char* tag) const;
 
 private:
     bool parse(NetMessage* error);
